@@ -1,0 +1,11 @@
+#pragma once
+
+/// Compiles a hot loop for several instruction sets; the loader picks one when the program starts.
+/// The attribute goes before a plain function whose loops the compiler can vectorise. Sanitized and clang
+/// builds have one version: their runtimes are not ready yet when the loader asks.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && !defined(__SANITIZE_ADDRESS__) && \
+    !defined(__SANITIZE_THREAD__)
+#define TESSARA_MULTIVERSION __attribute__((target_clones("arch=x86-64-v4", "arch=x86-64-v3", "default")))
+#else
+#define TESSARA_MULTIVERSION
+#endif
