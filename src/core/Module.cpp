@@ -1,0 +1,26 @@
+#include "core/Module.h"
+
+#include <dlfcn.h>
+
+#include <filesystem>
+
+namespace tessara {
+
+Result<void*> LoadModuleFunction(const std::string& module, const char* function) {
+    std::error_code error;
+    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    std::string reason;
+    for (const std::filesystem::path& folder : {executable.parent_path(), std::filesystem::path(TESSARA_MODULE_DIR)}) {
+        const std::string path = (folder / ("lib" + module + ".so")).string();
+        void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (!library) {
+            if (const char* message = dlerror(); std::filesystem::exists(path, error)) reason = message;
+            continue;
+        }
+        if (void* found = dlsym(library, function)) return found;
+        return CannotRead(path + " is not of this version");
+    }
+    return CannotRead(reason.empty() ? module + " is not installed" : reason);
+}
+
+}  // namespace tessara

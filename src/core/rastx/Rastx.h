@@ -1,0 +1,105 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <string>
+
+#include "core/rastx/Codec.h"
+#include "core/rastx/Picture.h"
+
+namespace tessara {
+
+/// Carries a picture from one pane to another, and to other programs: the clipboard, or what stands in for it.
+class PictureCarrier {
+  public:
+    virtual ~PictureCarrier() = default;
+    virtual void Put(const Picture& picture) = 0;
+    virtual Result<Picture> Take() = 0;
+};
+
+/// A carrier within the process.
+class MemoryCarrier final : public PictureCarrier {
+  public:
+    void Put(const Picture& picture) override { picture_ = picture; }
+    Result<Picture> Take() override {
+        if (picture_.Empty()) return CannotRead("nothing has been copied");
+        return picture_;
+    }
+
+  private:
+    Picture picture_;
+};
+
+/// The imaging pane without its widget: one picture, the rubber-band rectangle, the last mouse position, and all
+/// operations on them. A failing operation leaves the picture as it was.
+class Rastx {
+  public:
+    /// What the pane needs from outside; without a carrier or a screen the operations that use them fail.
+    struct Surroundings {
+        PictureCarrier* carrier = nullptr;
+        std::function<Result<Picture>()> captureScreen;
+        /// Called after every change of the picture or of the rectangle.
+        std::function<void()> changed;
+    };
+
+    Rastx() = default;
+    explicit Rastx(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
+
+    /// The whole picture; empty after ClearImage.
+    const Picture& Image() const { return picture_; }
+    void SetImage(Picture picture);
+    int ImageWidth() const { return picture_.Width(); }
+    int ImageHeight() const { return picture_.Height(); }
+    void ClearImage();
+
+    /// Reads a file of any import format, whatever its name says.
+    Result<void> LoadImage(const std::string& path);
+    Result<void> PasteClip();
+    Result<void> CopyClip() const;
+    /// Copies the part inside the rectangle.
+    Result<void> CopySelection() const;
+    /// The whole screen becomes the picture.
+    Result<void> CaptureScreen();
+
+    Result<void> SaveBmp(const std::string& path) const;
+    Result<void> SaveGif(const std::string& path, bool transparent, ColorNumber color = 0) const;
+    Result<void> SaveJpg(const std::string& path, int quality, bool grey, bool progressive) const;
+    Result<void> SavePng(const std::string& path) const;
+    Result<void> SaveWbmp(const std::string& path) const;
+    Result<void> SaveEmf(const std::string& path) const;
+    Result<void> SaveTga(const std::string& path) const;
+    Result<void> SaveTif(const std::string& path) const;
+    Result<void> SaveWmf(const std::string& path) const;
+    Result<void> SaveIco(const std::string& path, bool transparent, ColorNumber color) const;
+    /// What the save operations above do: writes the picture in a format of the export table.
+    Result<void> SaveAs(const ExportFormat& format, const std::string& path, const EncodeOptions& options) const;
+
+    /// Where the mouse is, in picture pixels; extends the rectangle while a rubber band is being drawn.
+    void MoveMouse(int x, int y);
+    int MouseX() const { return mouseX_; }
+    int MouseY() const { return mouseY_; }
+    /// Starts a rubber band at the last mouse position; EndSelect keeps the rectangle as it is.
+    void BeginSelect();
+    void EndSelect() { selecting_ = false; }
+    void ClearSelect();
+    bool HasSelection() const { return hasSelection_; }
+    /// The rectangle's columns and rows, inclusive; all 0 where there is none.
+    int SelLeft() const { return std::min(anchorX_, cornerX_); }
+    int SelRight() const { return std::max(anchorX_, cornerX_); }
+    int SelTop() const { return std::min(anchorY_, cornerY_); }
+    int SelBottom() const { return std::max(anchorY_, cornerY_); }
+
+  private:
+    void Changed() const {
+        if (surroundings_.changed) surroundings_.changed();
+    }
+
+    Surroundings surroundings_;
+    Picture picture_;
+    int mouseX_ = 0, mouseY_ = 0;
+    bool selecting_ = false;
+    bool hasSelection_ = false;
+    int anchorX_ = 0, anchorY_ = 0, cornerX_ = 0, cornerY_ = 0;
+};
+
+}  // namespace tessara
