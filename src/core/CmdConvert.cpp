@@ -25,7 +25,8 @@ struct Conversion {
 std::optional<Conversion> Parse(std::string_view commandLine) {
     const std::size_t comma = commandLine.find(',');
     if (comma == std::string_view::npos) return std::nullopt;
-    Conversion conversion{std::string(commandLine.substr(0, comma)), std::string(commandLine.substr(comma + 1))};
+    Conversion conversion{std::string(commandLine.substr(0, comma)),
+                          std::string(commandLine.substr(comma + 1))};
     constexpr std::string_view kOverwriteFlag = "-O ";
     if (EqualIgnoringCase(commandLine.substr(0, comma).substr(0, kOverwriteFlag.size()), kOverwriteFlag)) {
         conversion.overwrite = true;
@@ -36,12 +37,14 @@ std::optional<Conversion> Parse(std::string_view commandLine) {
     return conversion;
 }
 
-/// The extension in capitals. Only those of three and four characters are known; the dot is looked for at these two
-/// places of the whole path, so that ".bmp" alone gives ".BMP", which is no format.
+/// The extension in capitals. Only those of three and four characters are known; the dot is looked for at
+/// these two places of the whole path, so that ".bmp" alone gives ".BMP", which is no format.
 std::optional<std::string> TakeExtension(std::string_view path) {
     const std::string tail = UpperCase(path.substr(path.size() - std::min<std::size_t>(path.size(), 5)));
-    if (!tail.empty() && tail[0] == '.') return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 4));
-    if (tail.size() >= 2 && tail[1] == '.') return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 3));
+    if (!tail.empty() && tail[0] == '.')
+        return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 4));
+    if (tail.size() >= 2 && tail[1] == '.')
+        return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 3));
     return std::nullopt;
 }
 
@@ -53,7 +56,8 @@ struct Checked {
 
 Checked Check(const Conversion& conversion) {
     if (!IsFile(conversion.importPath)) return {nullptr, "Import file not found!"};
-    if (!conversion.overwrite && IsFile(conversion.exportPath)) return {nullptr, "Export file already exists!"};
+    if (!conversion.overwrite && IsFile(conversion.exportPath))
+        return {nullptr, "Export file already exists!"};
     const std::optional<std::string> importExtension = TakeExtension(conversion.importPath);
     if (!importExtension) return {nullptr, "Import file's format error!"};
     const std::optional<std::string> exportExtension = TakeExtension(conversion.exportPath);
@@ -61,7 +65,8 @@ Checked Check(const Conversion& conversion) {
 
     FormatTables formats;
     formats.SetFormats();
-    if (std::ranges::find(formats.ImportFormats, *importExtension, &FormatRow::Ext) == formats.ImportFormats.end())
+    if (std::ranges::find(formats.ImportFormats, *importExtension, &FormatRow::Ext) ==
+        formats.ImportFormats.end())
         return {nullptr, "Import file's format isn't supported!"};
     const auto row = std::ranges::find(formats.ExportFormats, *exportExtension, &FormatRow::Ext);
     if (row == formats.ExportFormats.end()) return {nullptr, "Export file's format isn't supported!"};
@@ -86,7 +91,8 @@ void WriteReport(std::string_view commandLine, const Conversion& conversion, std
     std::string exportName;
     SplitPath(conversion.importPath, ignored, importName);
     SplitPath(conversion.exportPath, ignored, exportName);
-    const std::string path = (folder.empty() ? "" : folder + "/") + importName + "-" + exportName + ".err.txt";
+    const std::string path =
+        (folder.empty() ? "" : folder + "/") + importName + "-" + exportName + ".err.txt";
     const std::string text = std::string(commandLine) + "\n \n" + std::string(message) + "\n";
     Ignore(ReplaceFile(path, [&](ByteSink& sink) { return sink.Write(AsBytes(text)); }));
 }
@@ -96,8 +102,10 @@ void WriteReport(std::string_view commandLine, const Conversion& conversion, std
 void CmdConvert(std::string_view commandLine, const std::string& reportFolder) {
     const std::optional<Conversion> conversion = Parse(commandLine);
     if (!conversion) return;
-    if (const Checked checked = Check(*conversion); checked.format) Convert(*conversion, *checked.format);
-    else WriteReport(commandLine, *conversion, checked.message, reportFolder);
+    if (const Checked checked = Check(*conversion); checked.format)
+        Convert(*conversion, *checked.format);
+    else
+        WriteReport(commandLine, *conversion, checked.message, reportFolder);
 }
 
 }  // namespace tessara

@@ -18,7 +18,8 @@ struct FormatTables {
 
     /// Fills `Ext` of every row, in capitals; `Enabled` stays.
     void SetFormats();
-    /// Upper-cases `ext` in place and tells whether its import row is switched on; False where there is no such row.
+    /// Upper-cases `ext` in place and tells whether its import row is switched on; False where there is no
+    /// such row.
     void FindImpValid(std::string& ext, bool& enabled) const;
 };
 

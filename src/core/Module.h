@@ -6,8 +6,9 @@
 
 namespace tessara {
 
-/// Loads one of the program's own modules ("tessara_desktop") and finds the function that it exports. Looked for
-/// beside the executable first, then where an installation puts it. A loaded module stays until the process ends.
+/// Loads one of the program's own modules ("tessara_desktop") and finds the function that it exports. Looked
+/// for beside the executable first, then where an installation puts it. A loaded module stays until the
+/// process ends.
 Result<void*> LoadModuleFunction(const std::string& module, const char* function);
 
 }  // namespace tessara

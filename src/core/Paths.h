@@ -14,16 +14,17 @@ struct PathRules {
     static constexpr PathRules WithDriveLetters() { return {'\\', true}; }
 };
 
-/// Splits at the last separator, of either kind, which stays with the folder. A path without one leaves `folder` as it
-/// was and is all name; where there are drive letters "c:name" splits into "c:\" and "name".
+/// Splits at the last separator, of either kind, which stays with the folder. A path without one leaves
+/// `folder` as it was and is all name; where there are drive letters "c:name" splits into "c:\" and "name".
 void SplitPath(std::string_view path, std::string& folder, std::string& name,
                PathRules rules = PathRules::Native());
 
 /// Removes blanks (and no other white space) from both ends, in place. A text of blanks only stays as it is.
 void TrimSpaces(std::string& text);
 
-/// SplitPath with a folder that always ends in a separator, and the name split at the dot before an extension of
-/// three or four characters. Of a name without such an extension `baseName` and `extension` stay untouched.
+/// SplitPath with a folder that always ends in a separator, and the name split at the dot before an extension
+/// of three or four characters. Of a name without such an extension `baseName` and `extension` stay
+/// untouched.
 void GetFileWeb(std::string_view path, std::string& folder, std::string& baseName, std::string& extension,
                 PathRules rules = PathRules::Native());
 

@@ -12,11 +12,12 @@ namespace tessara {
 /// The colour space that the samples of a file are in.
 enum class SampleColors { Grey, Rgb, Cmyk, Lab };
 
-/// An embedded ICC profile, ready to convert samples to sRGB (relative colorimetric with black point compensation).
+/// An embedded ICC profile, ready to convert samples to sRGB (relative colorimetric with black point
+/// compensation).
 class ColorProfile {
   public:
-    /// None where the profile is damaged, belongs to another colour space, or is sRGB itself: then there is nothing
-    /// to convert, and a plain sRGB file pays nothing.
+    /// None where the profile is damaged, belongs to another colour space, or is sRGB itself: then there is
+    /// nothing to convert, and a plain sRGB file pays nothing.
     static std::optional<ColorProfile> Open(Bytes icc, SampleColors colors);
 
     /// Grey and RGB: converts pixels in place; alpha stays.

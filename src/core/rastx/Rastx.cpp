@@ -52,8 +52,8 @@ Result<void> Rastx::CopyClip() const {
 Result<void> Rastx::CopySelection() const {
     if (!surroundings_.carrier) return CannotWrite("there is no clipboard");
     if (!hasSelection_) return BadArgument("nothing is selected");
-    TRY_ASSIGN(const Picture part, picture_.Cropped(SelLeft(), SelTop(), SelRight() - SelLeft() + 1,
-                                                    SelBottom() - SelTop() + 1));
+    TRY_ASSIGN(const Picture part,
+               picture_.Cropped(SelLeft(), SelTop(), SelRight() - SelLeft() + 1, SelBottom() - SelTop() + 1));
     surroundings_.carrier->Put(part);
     return {};
 }
@@ -65,24 +65,39 @@ Result<void> Rastx::CaptureScreen() {
     return {};
 }
 
-Result<void> Rastx::SaveAs(const ExportFormat& format, const std::string& path, const EncodeOptions& options) const {
+Result<void> Rastx::SaveAs(const ExportFormat& format, const std::string& path,
+                           const EncodeOptions& options) const {
     if (picture_.Empty()) return BadArgument("there is no picture");
     return ReplaceFile(path, [&](ByteSink& sink) { return format.codec->encode(picture_, options, sink); });
 }
 
-Result<void> Rastx::SaveBmp(const std::string& path) const { return SaveAs(FormatOf(".bmp"), path, {}); }
+Result<void> Rastx::SaveBmp(const std::string& path) const {
+    return SaveAs(FormatOf(".bmp"), path, {});
+}
 Result<void> Rastx::SaveGif(const std::string& path, bool transparent, ColorNumber color) const {
     return SaveAs(FormatOf(".gif"), path, {.transparent = transparent, .color = color});
 }
 Result<void> Rastx::SaveJpg(const std::string& path, int quality, bool grey, bool progressive) const {
     return SaveAs(FormatOf(".jpg"), path, {.quality = quality, .grey = grey, .progressive = progressive});
 }
-Result<void> Rastx::SavePng(const std::string& path) const { return SaveAs(FormatOf(".png"), path, {}); }
-Result<void> Rastx::SaveWbmp(const std::string& path) const { return SaveAs(FormatOf(".wbmp"), path, {}); }
-Result<void> Rastx::SaveEmf(const std::string& path) const { return SaveAs(FormatOf(".emf"), path, {}); }
-Result<void> Rastx::SaveTga(const std::string& path) const { return SaveAs(FormatOf(".tga"), path, {}); }
-Result<void> Rastx::SaveTif(const std::string& path) const { return SaveAs(FormatOf(".tif"), path, {}); }
-Result<void> Rastx::SaveWmf(const std::string& path) const { return SaveAs(FormatOf(".wmf"), path, {}); }
+Result<void> Rastx::SavePng(const std::string& path) const {
+    return SaveAs(FormatOf(".png"), path, {});
+}
+Result<void> Rastx::SaveWbmp(const std::string& path) const {
+    return SaveAs(FormatOf(".wbmp"), path, {});
+}
+Result<void> Rastx::SaveEmf(const std::string& path) const {
+    return SaveAs(FormatOf(".emf"), path, {});
+}
+Result<void> Rastx::SaveTga(const std::string& path) const {
+    return SaveAs(FormatOf(".tga"), path, {});
+}
+Result<void> Rastx::SaveTif(const std::string& path) const {
+    return SaveAs(FormatOf(".tif"), path, {});
+}
+Result<void> Rastx::SaveWmf(const std::string& path) const {
+    return SaveAs(FormatOf(".wmf"), path, {});
+}
 Result<void> Rastx::SaveIco(const std::string& path, bool transparent, ColorNumber color) const {
     return SaveAs(FormatOf(".ico"), path, {.transparent = transparent, .color = color});
 }

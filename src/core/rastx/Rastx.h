@@ -9,7 +9,8 @@
 
 namespace tessara {
 
-/// Carries a picture from one pane to another, and to other programs: the clipboard, or what stands in for it.
+/// Carries a picture from one pane to another, and to other programs: the clipboard, or what stands in for
+/// it.
 class PictureCarrier {
   public:
     virtual ~PictureCarrier() = default;
@@ -30,8 +31,8 @@ class MemoryCarrier final : public PictureCarrier {
     Picture picture_;
 };
 
-/// The imaging pane without its widget: one picture, the rubber-band rectangle, the last mouse position, and all
-/// operations on them. A failing operation leaves the picture as it was.
+/// The imaging pane without its widget: one picture, the rubber-band rectangle, the last mouse position, and
+/// all operations on them. A failing operation leaves the picture as it was.
 class Rastx {
   public:
     /// What the pane needs from outside; without a carrier or a screen the operations that use them fail.
@@ -72,7 +73,8 @@ class Rastx {
     Result<void> SaveWmf(const std::string& path) const;
     Result<void> SaveIco(const std::string& path, bool transparent, ColorNumber color) const;
     /// What the save operations above do: writes the picture in a format of the export table.
-    Result<void> SaveAs(const ExportFormat& format, const std::string& path, const EncodeOptions& options) const;
+    Result<void> SaveAs(const ExportFormat& format, const std::string& path,
+                        const EncodeOptions& options) const;
 
     /// Where the mouse is, in picture pixels; extends the rectangle while a rubber band is being drawn.
     void MoveMouse(int x, int y);

@@ -1,0 +1,128 @@
+#include "core/Files.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "tests/Support.h"
+
+namespace tessara {
+namespace {
+
+namespace fs = std::filesystem;
+
+Result<void> WriteText(ByteSink& sink, std::string_view text) {
+    return sink.Write(AsBytes(text));
+}
+
+std::string Text(const std::string& path) {
+    const ByteVector bytes = test::ReadWhole(path);
+    return {bytes.begin(), bytes.end()};
+}
+
+std::size_t FilesIn(const std::string& folder) {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+TEST(ReplaceFile, MakesANewFileAndReplacesAnOldOne) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.bmp");
+    for (const char* text : {"first", "second, longer", "3rd"}) {
+        test::Must(ReplaceFile(path, [&](ByteSink& sink) { return WriteText(sink, text); }));
+        EXPECT_EQ(Text(path), text);
+        EXPECT_EQ(FilesIn(folder.Path()), 1u);
+    }
+}
+
+TEST(ReplaceFile, AFailedSaveLeavesWhatWasThere) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.bmp");
+    const auto fail = [](ByteSink& sink) -> Result<void> {
+        TRY(WriteText(sink, "half of it"));
+        return CannotWrite("the encoder gave up");
+    };
+    EXPECT_FALSE(ReplaceFile(path, fail));
+    EXPECT_EQ(FilesIn(folder.Path()), 0u);
+    test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "old"); }));
+    EXPECT_FALSE(ReplaceFile(path, fail));
+    EXPECT_EQ(Text(path), "old");
+    EXPECT_EQ(FilesIn(folder.Path()), 1u);
+    EXPECT_FALSE(
+        ReplaceFile(folder.File("missing/a.bmp"), [](ByteSink& sink) { return WriteText(sink, "x"); }));
+}
+
+// A full disk, made by a limit on the size of files: the write in the middle of the save fails.
+TEST(ReplaceFile, AFullDiskLeavesWhatWasThere) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.bmp");
+    test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "old"); }));
+    const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    getrlimit(RLIMIT_FSIZE, &old);
+    rlimit small = old;
+    small.rlim_cur = 1 << 20;
+    setrlimit(RLIMIT_FSIZE, &small);
+    const Result<void> saved =
+        ReplaceFile(path, [](ByteSink& sink) { return sink.Write(ByteVector(std::size_t{3} << 20)); });
+    setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    ASSERT_FALSE(saved);
+    EXPECT_EQ(saved.Error().kind, FailureKind::CannotWrite);
+    EXPECT_EQ(Text(path), "old");
+    EXPECT_EQ(FilesIn(folder.Path()), 1u);
+}
+
+TEST(ReplaceFile, WritesThroughSymbolicLinks) {
+    const test::TemporaryFolder folder;
+    fs::create_directory(folder.File("real"));
+    test::WriteWhole(folder.File("real/a.bmp"), AsBytes("old"));
+    fs::create_symlink("real/a.bmp", folder.File("relative"));
+    fs::create_symlink(folder.File("relative"), folder.File("chain"));
+    fs::create_symlink("real/new.bmp", folder.File("dangling"));
+    fs::create_symlink("loop", folder.File("loop"));
+
+    test::Must(ReplaceFile(folder.File("chain"), [](ByteSink& sink) { return WriteText(sink, "new"); }));
+    EXPECT_EQ(Text(folder.File("real/a.bmp")), "new");
+    EXPECT_TRUE(fs::is_symlink(folder.File("chain")));
+    EXPECT_TRUE(fs::is_symlink(folder.File("relative")));
+    test::Must(ReplaceFile(folder.File("dangling"), [](ByteSink& sink) { return WriteText(sink, "made"); }));
+    EXPECT_EQ(Text(folder.File("real/new.bmp")), "made");
+    EXPECT_FALSE(ReplaceFile(folder.File("loop"), [](ByteSink& sink) { return WriteText(sink, "x"); }));
+}
+
+TEST(ReplaceFile, KeepsThePermissionsOfTheOldFile) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.bmp");
+    test::WriteWhole(path, AsBytes("old"));
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "new"); }));
+    EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0640));
+}
+
+TEST(ReplaceFile, OverwritesBytesAlreadyWritten) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.tif");
+    test::Must(ReplaceFile(path, [](ByteSink& sink) -> Result<void> {
+        TRY(WriteText(sink, "????"));
+        TRY(sink.Write(ByteVector(std::size_t{1} << 20, 'x')));
+        TRY(sink.Overwrite(1, AsBytes("ab")));
+        return WriteText(sink, "end");
+    }));
+    const std::string text = Text(path);
+    EXPECT_EQ(text.size(), (std::size_t{1} << 20) + 7);
+    EXPECT_EQ(text.substr(0, 6), "?ab?xx");
+    EXPECT_EQ(text.substr(text.size() - 4), "xend");
+}
+
+TEST(FileBytes, AFolderOrAMissingFileIsAFailure) {
+    const test::TemporaryFolder folder;
+    EXPECT_FALSE(FileBytes::Read(folder.Path()));
+    EXPECT_FALSE(FileBytes::Read(folder.File("missing")));
+    EXPECT_FALSE(IsFile(folder.Path()));
+}
+
+}  // namespace
+}  // namespace tessara
