@@ -38,9 +38,9 @@ class Rastx {
     /// What the pane needs from outside; without a carrier or a screen the operations that use them fail.
     struct Surroundings {
         PictureCarrier* carrier = nullptr;
-        std::function<Result<Picture>()> captureScreen;
+        std::function<Result<Picture>()> captureScreen = {};
         /// Called after every change of the picture or of the rectangle.
-        std::function<void()> changed;
+        std::function<void()> changed = {};
     };
 
     Rastx() = default;
