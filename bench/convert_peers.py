@@ -1,0 +1,202 @@
+#!/usr/bin/python3
+"""Measures whole conversions beside other programs, in one run, and prints ratios.
+
+    bench/convert_peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|memory ...]
+
+Installs the peers (GraphicsMagick, ImageMagick, libvips, OpenCV, Pillow) where they are missing. CPU seconds are
+user + system of the whole process and its threads; of OpenCV and Pillow only reading and writing count, not the
+start of the interpreter. Each figure is the best of the runs, taken in turn so that a busy machine hits all alike.
+"""
+
+import argparse
+import math
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+PACKAGES = ["imagemagick", "graphicsmagick", "libvips-tools", "python3-opencv", "python3-pil", "python3-numpy"]
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+QUALITY = "80"  # what a conversion from the command line uses
+JOBS = ["jpg png", "bmp png", "jpg bmp", "png jpg", "tif jpg", "png gif", "jpg gif", "png tif"]
+ENVIRONMENT = dict(os.environ, MAGICK_THREAD_LIMIT="1", OMP_NUM_THREADS="1", VIPS_CONCURRENCY="1")
+
+
+def install_peers():
+    missing = [p for p in PACKAGES if subprocess.run(["dpkg", "-s", p], capture_output=True).returncode]
+    if missing:
+        sudo = [] if os.geteuid() == 0 else ["sudo"]
+        subprocess.run(sudo + ["apt-get", "install", "-y", "-q", "--no-install-recommends"] + missing, check=True)
+
+
+def photo_like(width, height, seed):
+    """Gradients, objects with soft and hard edges, texture and film grain: compresses like a photograph."""
+    import numpy
+    from PIL import Image
+
+    random = numpy.random.default_rng(seed)
+
+    def cloud(cells, scale):
+        rough = random.random((cells * height // width + 2, cells)).astype(numpy.float32)
+        return numpy.asarray(Image.fromarray(rough).resize((width, height), Image.BICUBIC)) * scale
+
+    light = sum(cloud(cells, 110 / octave) for octave, cells in enumerate([5, 17, 60, 211, 740], start=1)) - 60
+    picture = numpy.empty((height, width, 3), numpy.uint8)
+    for channel in range(3):
+        tint = cloud(9, 80) + cloud(97, 14)
+        grain = random.normal(0, 1.1, (height, width)).astype(numpy.float32)
+        picture[:, :, channel] = numpy.clip(light + tint + grain, 0, 255)
+    rows, columns = numpy.mgrid[0:height, 0:width]
+    for _ in range(60):
+        x, y, radius = random.integers(width), random.integers(height), random.integers(20, width // 12)
+        inside = (columns - x) ** 2 + (rows - y) ** 2 < radius**2
+        picture[inside] = picture[inside] // 2 + random.integers(0, 128, 3, dtype=numpy.uint8)
+    return Image.fromarray(picture)
+
+
+def make_sources(folder):
+    if os.path.exists(f"{folder}/photo.tif"):
+        return
+    photo = photo_like(6000, 4000, 1)
+    photo.save(f"{folder}/photo.jpg", quality=90)
+    from PIL import Image
+
+    decoded = Image.open(f"{folder}/photo.jpg")
+    decoded.save(f"{folder}/photo.png", compress_level=6)
+    decoded.save(f"{folder}/photo.bmp")
+    decoded.save(f"{folder}/photo.tif")
+
+
+def cpu_seconds(command):
+    """Of one process and what it started."""
+    process = subprocess.Popen(command, env=ENVIRONMENT, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    output = process.stdout.read()
+    _, status, usage = os.wait4(process.pid, 0)
+    process.returncode = status
+    if status:
+        sys.exit(f"{command[0]} failed")
+    reported = float(output) if output.strip() else usage.ru_utime + usage.ru_stime
+    return reported, usage.ru_maxrss / 1024
+
+
+PYTHON_PEERS = {
+    "OpenCV": "import cv2; cv2.setNumThreads(1)\n"
+    "def job(a, b): cv2.imwrite(b, cv2.imread(a), [cv2.IMWRITE_JPEG_QUALITY, %s])" % QUALITY,
+    "Pillow": "from PIL import Image\n"
+    "def job(a, b): Image.open(a).save(b, **({'quality': %s} if b.endswith('jpg') else {}))" % QUALITY,
+}
+
+
+def commands(tessara, source, target):
+    """The same job for each program; a program that cannot do it is left out."""
+    jpeg = target.endswith(".jpg")
+    found = {
+        "tessara": [tessara, "-O", f"{source},{target}"],
+        "GraphicsMagick": ["gm", "convert", source] + (["-quality", QUALITY] if jpeg else []) + [target],
+        "ImageMagick": [magick(), source] + (["-quality", QUALITY] if jpeg else []) + [target],
+    }
+    if not target.endswith(".bmp"):
+        found["libvips"] = ["vips", "copy", source, target + (f"[Q={QUALITY}]" if jpeg else "")]
+    for name, code in PYTHON_PEERS.items():
+        if name == "OpenCV" and target.endswith(".gif"):
+            continue
+        timed = f"{code}\nimport time\nt = time.process_time()\njob({source!r}, {target!r})\nprint(time.process_time() - t)"
+        found[name] = [sys.executable, "-c", timed]
+    return found
+
+
+def magick():
+    return shutil.which("convert-im6.q16") or shutil.which("convert") or "convert"
+
+
+def compare_jobs(tessara, folder, runs):
+    print(f"{'job':8} {'program':15} {'CPU s':>7} {'MB':>7} {'peak MB':>8}")
+    ratios = []
+    for job in JOBS:
+        source, target = job.split()
+        best = {}
+        output = f"{folder}/out.{target}"
+        for _ in range(runs):
+            for name, command in commands(tessara, f"{folder}/photo.{source}", output).items():
+                seconds, peak = cpu_seconds(command)
+                if name not in best or seconds < best[name][0]:
+                    best[name] = (seconds, os.path.getsize(output) / 1e6, peak)
+        for name, (seconds, size, peak) in best.items():
+            print(f"{job:8} {name:15} {seconds:7.3f} {size:7.1f} {peak:8.0f}")
+        peers = {name: values[0] for name, values in best.items() if name != "tessara" and values[0] > 0}
+        fastest = min(peers, key=peers.get)
+        ratios.append(best["tessara"][0] / peers[fastest])
+        print(f"{job:8} {'ratio':15} {ratios[-1]:7.2f} of {fastest}\n", flush=True)
+    print(f"geometric mean {math.exp(sum(map(math.log, ratios)) / len(ratios)):.2f}, worst {max(ratios):.2f}\n")
+
+
+def compare_start(tessara, folder):
+    from PIL import Image
+
+    Image.new("RGB", (16, 16), (200, 100, 50)).save(f"{folder}/tiny.png")
+    times = {}
+    for _ in range(40):
+        for name, command in commands(tessara, f"{folder}/tiny.png", f"{folder}/tiny.bmp").items():
+            if name in ("tessara", "GraphicsMagick", "ImageMagick"):
+                start = time.perf_counter()
+                subprocess.run(command, env=ENVIRONMENT, capture_output=True, check=True)
+                times.setdefault(name, []).append(time.perf_counter() - start)
+    print("start and 16x16 PNG to BMP, wall ms (median of 40)")
+    for name, values in times.items():
+        print(f"  {name:15} {sorted(values)[len(values) // 2] * 1000:6.1f}")
+    print()
+
+
+def compare_many(tessara, folder):
+    many = f"{folder}/many"
+    os.makedirs(many, exist_ok=True)
+    for number in range(200):
+        if not os.path.exists(f"{many}/{number}.jpg"):
+            source = f"{many}/{number % 4}.jpg"
+            if number < 4:
+                photo_like(1632, 1224, 10 + number).save(source, quality=90)
+            else:
+                shutil.copy(source, f"{many}/{number}.jpg")
+    loops = {
+        "tessara": f"{tessara} -O {{}}.jpg,{{}}.png",
+        "GraphicsMagick": "gm convert {}.jpg {}.png",
+        "ImageMagick": magick() + " {}.jpg {}.png",
+        "libvips": "vips copy {}.jpg {}.png",
+    }
+    print("200 files of 2 megapixels, JPG to PNG, xargs -P2, wall seconds")
+    for name, command in loops.items():
+        start = time.perf_counter()
+        subprocess.run(f"seq 0 199 | xargs -P2 -I{{}} {command}", shell=True, cwd=many, env=ENVIRONMENT, check=True)
+        print(f"  {name:15} {time.perf_counter() - start:6.2f}", flush=True)
+    print()
+
+
+def measure_memory(tessara, folder):
+    _, peak = cpu_seconds([tessara, "-O", f"{folder}/photo.jpg,{folder}/memory.png"])
+    print(f"memory of a 24-megapixel JPG to PNG: {peak:.0f} MB\n")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--tessara", default=f"{ROOT}/build/release/bin/tessara")
+    parser.add_argument("--folder", default=os.path.join(tempfile.gettempdir(), "tessara-bench"))
+    parser.add_argument("--runs", type=int, default=3)
+    parser.add_argument("parts", nargs="*", default=["jobs", "start", "many", "memory"])
+    arguments = parser.parse_args()
+    install_peers()
+    os.makedirs(arguments.folder, exist_ok=True)
+    make_sources(arguments.folder)
+    parts = {
+        "jobs": lambda: compare_jobs(arguments.tessara, arguments.folder, arguments.runs),
+        "start": lambda: compare_start(arguments.tessara, arguments.folder),
+        "many": lambda: compare_many(arguments.tessara, arguments.folder),
+        "memory": lambda: measure_memory(arguments.tessara, arguments.folder),
+    }
+    for part in arguments.parts:
+        parts[part]()
+
+
+if __name__ == "__main__":
+    main()
