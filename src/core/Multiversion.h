@@ -9,3 +9,6 @@
 #else
 #define TESSARA_MULTIVERSION
 #endif
+
+/// For the rule that such a loop applies: a call would undo the vectorisation.
+#define TESSARA_ALWAYS_INLINE inline __attribute__((always_inline))

@@ -17,6 +17,9 @@ void SplitColor(ColorNumber color, double& R, double& G, double& B);
 /// Values above 255 become 255, values below 0 become 0.
 void ClampChannels(double& R, double& G, double& B);
 
+/// A stretch of a row with an array for each channel.
+struct ChannelPlanes;
+
 /// The twelve effects that the program computes itself. They read `Pic_Image` and write `Pic_TempImage`,
 /// which has the same size; pixels that an effect does not write keep what `Pic_TempImage` held. Channels are
 /// computed one after another from values already changed, in double precision, and rounded to the nearest,
@@ -43,10 +46,12 @@ class OwnEffects {
     void WaveEffect(double Depth, ImageBounds bounds);
 
   private:
+    /// The effects whose new pixel depends on the old one alone.
+    using PlaneRule = void (*)(const ChannelPlanes& in, double Depth, ChannelPlanes& out);
+    void ForEachChannels(ImageBounds bounds, double Depth, PlaneRule rule);
+    /// The effects that compute a colour number from the neighbours' numbers.
     template <typename Rule>
-    void ForEachChannels(ImageBounds bounds, const Rule& rule);
-    template <typename Rule>
-    void ForEachColor(ImageBounds bounds, const Rule& rule);
+    void ForEachColor(ImageBounds bounds, double Depth, const Rule& rule);
     void StartRow(int value) const {
         if (options_.progress) options_.progress(value);
     }
