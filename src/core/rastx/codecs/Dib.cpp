@@ -77,13 +77,14 @@ struct DibHeader {
     std::uint64_t MaskStride() const { return (static_cast<std::uint64_t>(width) + 31) / 32 * 4; }
 };
 
-/// Pixels per metre. The number of whole dots per inch that gives them is meant, where there is one.
+/// Pixels per metre. The number of whole dots per inch that gives them, rounded or cut, is meant where there
+/// is one.
 double DotsPerInch(std::int32_t perMetre) {
     constexpr double kMetresPerInch = 0.0254;
     constexpr double kAbsurd = 100000;
     const double exact = perMetre * kMetresPerInch;
     const double whole = std::round(exact);
-    const double dots = std::round(whole / kMetresPerInch) == perMetre ? whole : exact;
+    const double dots = std::abs(whole / kMetresPerInch - perMetre) < 1 ? whole : exact;
     return dots > 0 && dots < kAbsurd ? dots : 0;
 }
 
