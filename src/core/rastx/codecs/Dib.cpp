@@ -17,7 +17,8 @@
 //   info header   u32 size, then by that size
 //                   12      u16 width, height, planes, bits per pixel; 3-byte colours
 //                   16..64  OS/2 2: the first fields of the 40-byte header, cut anywhere
-//                   40      i32 width, height (negative: top-down), u16 planes, bits per pixel, u32 compression,
+//                   40      i32 width, height (negative: top-down), u16 planes, bits per pixel, u32
+//                   compression,
 //                           image size, i32 pixels per metre (2), u32 colours used, colours important
 //                   52 56   and u32 masks of red, green, blue (and alpha)
 //                   108 124 and the colour space
@@ -70,9 +71,7 @@ struct DibHeader {
 
     bool Core() const { return size == kCoreSize; }
     bool Indexed() const { return layout != Layout::Embedded && bitsPerPixel <= 8; }
-    std::uint64_t UnpaddedRow() const {
-        return (static_cast<std::uint64_t>(width) * bitsPerPixel + 7) / 8;
-    }
+    std::uint64_t UnpaddedRow() const { return (static_cast<std::uint64_t>(width) * bitsPerPixel + 7) / 8; }
     std::uint64_t Stride() const { return (UnpaddedRow() + 3) / 4 * 4; }
     std::uint64_t MaskStride() const { return (static_cast<std::uint64_t>(width) + 31) / 32 * 4; }
 };
@@ -389,7 +388,8 @@ Result<void> CheckAgainstData(std::uint64_t pixels, std::uint64_t needed, std::u
 
 Result<Picture> DecodeRuns(const DibHeader& header, Bytes bits, std::vector<Pixel> colors,
                            const Limits& limits) {
-    constexpr std::uint64_t kPixelsPerByte = 16;  // real pictures; even a single colour gives no more than 128
+    constexpr std::uint64_t kPixelsPerByte =
+        16;  // real pictures; even a single colour gives no more than 128
     TRY(limits.Check(header.width, header.height));
     const auto pixels = static_cast<std::uint64_t>(header.width * header.height);
     TRY(CheckAgainstData(pixels, pixels / kPixelsPerByte, bits.size()));
@@ -458,7 +458,8 @@ void ApplyMask(Bytes mask, std::uint64_t stride, Picture& picture) {
         mask = Slice(mask, stride);
         const std::size_t held = std::min(width, row.size() * 8);
         for (std::size_t x = 0; x < held; ++x)
-            if ((row[x / 8] >> (7 - x % 8)) & 1) pixels[static_cast<std::size_t>(y) * width + x] = kTransparent;
+            if ((row[x / 8] >> (7 - x % 8)) & 1)
+                pixels[static_cast<std::size_t>(y) * width + x] = kTransparent;
     }
 }
 
@@ -527,16 +528,19 @@ bool LooksLikeDib(Bytes bytes) {
     if (!parsed) return false;
     const DibHeader& header = parsed.Value();
     const Result<Layout> layout = FindLayout(header);
-    const bool deepEnough = header.bitsPerPixel > 0 || header.compression == kPng ||
-                            header.compression == kJpegOrRle24;
+    const bool deepEnough =
+        header.bitsPerPixel > 0 || header.compression == kPng || header.compression == kJpegOrRle24;
     return OneOf(header.size, {12, 40, 52, 56, 64, 108, 124}) && layout && deepEnough && header.planes == 1 &&
            Limits{}.Check(header.width, header.height) && header.tableStart < bytes.size() &&
            header.colorsUsed <= bytes.size() / 3;
 }
 
-int DibBitsPerPixel(Bytes dib) {
-    const Result<DibHeader> header = ParseHeader(dib);
-    return header ? static_cast<int>(header.Value().bitsPerPixel) : 0;
+std::optional<DibShape> DibShapeOf(Bytes dib) {
+    const Result<DibHeader> parsed = ParseHeader(dib);
+    if (!parsed || !FindLayout(parsed.Value()) || parsed.Value().width < 1) return {};
+    const DibHeader& header = parsed.Value();
+    return DibShape{header.width, header.height, static_cast<int>(header.bitsPerPixel),
+                    ReadColorTable(dib, header, {}).end, header.Stride()};
 }
 
 }  // namespace tessara

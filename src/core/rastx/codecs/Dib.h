@@ -34,7 +34,14 @@ Result<Picture> DecodeDib(Bytes dib, std::optional<Bytes> bits, const DibOptions
 /// sense.
 bool LooksLikeDib(Bytes bytes);
 
-/// Bits per pixel of an info header, 0 where it is cut.
-int DibBitsPerPixel(Bytes dib);
+/// What an info header claims; for choosing among several bitmaps before decoding one.
+struct DibShape {
+    std::int64_t width = 0;
+    std::int64_t height = 0;  ///< of icons: with the mask
+    int bitsPerPixel = 0;
+    std::uint64_t rowsStart = 0;
+    std::uint64_t stride = 0;
+};
+std::optional<DibShape> DibShapeOf(Bytes dib);
 
 }  // namespace tessara
