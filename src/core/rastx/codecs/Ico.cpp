@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <functional>
+#include <optional>
+#include <ranges>
 #include <tuple>
 #include <vector>
 
@@ -30,6 +33,7 @@ namespace {
 constexpr std::size_t kDirectorySize = 6;
 constexpr std::size_t kEntrySize = 16;
 constexpr int kLargestSide = 256;
+constexpr int kMostTries = 32;  // a hostile file can hold any number of damaged pictures
 
 struct Entry {
     Bytes data;
@@ -66,10 +70,11 @@ std::optional<Entry> BitmapEntry(Bytes data, std::int64_t heightInDirectory) {
     return entry;
 }
 
-/// The offset and height of each picture as the directory tells them.
+/// The place and height of a picture as the directory tells them.
 struct DirectoryRow {
     std::int64_t height = 0;
     std::uint64_t offset = 0;
+    std::uint64_t end = 0;  ///< where the next picture begins: the lengths are not reliable enough to be used
 };
 
 std::vector<DirectoryRow> ReadDirectory(Bytes file) {
@@ -84,27 +89,25 @@ std::vector<DirectoryRow> ReadDirectory(Bytes file) {
         reader.Skip(1);
         const std::uint8_t height = reader.U8();
         reader.Skip(10);
-        rows.push_back({height == 0 ? kLargestSide : height, reader.U32Le()});
+        rows.push_back({height == 0 ? kLargestSide : height, reader.U32Le(), 0});
     }
     const std::uint64_t end = kDirectorySize + kEntrySize * count;
-    std::erase_if(rows, [&](const DirectoryRow& row) { return row.offset < end || row.offset >= file.size(); });
+    std::erase_if(rows,
+                  [&](const DirectoryRow& row) { return row.offset < end || row.offset >= file.size(); });
+    // The order in the file, each picture once; the first row of several that share one counts.
+    std::ranges::stable_sort(rows, {}, &DirectoryRow::offset);
+    const auto repeated = std::ranges::unique(rows, {}, &DirectoryRow::offset);
+    rows.erase(repeated.begin(), repeated.end());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].end = i + 1 < rows.size() ? rows[i + 1].offset : file.size();
     return rows;
-}
-
-/// Where the next picture begins. The lengths in the directory are not reliable enough to be used.
-std::uint64_t EndOf(const DirectoryRow& row, const std::vector<DirectoryRow>& rows) {
-    std::uint64_t end = UINT64_MAX;
-    for (const DirectoryRow& other : rows)
-        if (other.offset > row.offset) end = std::min(end, other.offset);
-    return end;
 }
 
 /// The pictures that can be read at first sight, the best first: whole, large, deep.
 std::vector<Entry> FindEntries(Bytes file) {
-    const std::vector<DirectoryRow> rows = ReadDirectory(file);
     std::vector<Entry> entries;
-    for (const DirectoryRow& row : rows) {
-        const Bytes data = Slice(file, row.offset, EndOf(row, rows) - row.offset);
+    for (const DirectoryRow& row : ReadDirectory(file)) {
+        const Bytes data = Slice(file, row.offset, row.end - row.offset);
         const auto entry = RecognisePng(data) ? PngEntry(data) : BitmapEntry(data, row.height);
         if (entry) entries.push_back(*entry);
     }
@@ -157,7 +160,8 @@ Result<Picture> ShrinkToFit(const Picture& picture) {
     const int longSide = std::max(picture.Width(), picture.Height());
     if (longSide <= kLargestSide) return picture;
     const auto fitted = [&](int side) {
-        return std::max(1, static_cast<int>(std::lround(static_cast<double>(side) * kLargestSide / longSide)));
+        return std::max(1,
+                        static_cast<int>(std::lround(static_cast<double>(side) * kLargestSide / longSide)));
     };
     TRY_ASSIGN(Picture small,
                Picture::Create(fitted(picture.Width()), fitted(picture.Height()), Alpha::Straight));
@@ -227,7 +231,7 @@ bool RecogniseIco(Bytes file) {
 Result<Picture> DecodeIco(Bytes file, const DecodeOptions& options) {
     if (options.nestingLeft < 1) return Damaged("too many pictures inside one another");
     Failure failure = Damaged("the icon holds no picture");
-    for (const Entry& entry : FindEntries(file)) {
+    for (const Entry& entry : FindEntries(file) | std::views::take(kMostTries)) {
         Result<Picture> picture = DecodeEntry(entry, options);
         if (picture) return picture;
         failure = picture.Error();
