@@ -5,7 +5,6 @@
 #include <cmath>
 #include <functional>
 #include <optional>
-#include <ranges>
 #include <tuple>
 #include <vector>
 
@@ -33,7 +32,7 @@ namespace {
 constexpr std::size_t kDirectorySize = 6;
 constexpr std::size_t kEntrySize = 16;
 constexpr int kLargestSide = 256;
-constexpr int kMostTries = 32;  // a hostile file can hold any number of damaged pictures
+constexpr std::size_t kMostTries = 32;  // a hostile file can hold any number of damaged pictures
 
 struct Entry {
     Bytes data;
@@ -96,8 +95,8 @@ std::vector<DirectoryRow> ReadDirectory(Bytes file) {
                   [&](const DirectoryRow& row) { return row.offset < end || row.offset >= file.size(); });
     // The order in the file, each picture once; the first row of several that share one counts.
     std::ranges::stable_sort(rows, {}, &DirectoryRow::offset);
-    const auto repeated = std::ranges::unique(rows, {}, &DirectoryRow::offset);
-    rows.erase(repeated.begin(), repeated.end());
+    const auto sameOffset = [](const DirectoryRow& a, const DirectoryRow& b) { return a.offset == b.offset; };
+    rows.erase(std::unique(rows.begin(), rows.end(), sameOffset), rows.end());
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i].end = i + 1 < rows.size() ? rows[i + 1].offset : file.size();
     return rows;
@@ -114,6 +113,7 @@ std::vector<Entry> FindEntries(Bytes file) {
     std::ranges::stable_sort(entries, std::greater{}, [](const Entry& entry) {
         return std::tuple(entry.whole, entry.area, entry.bitsPerPixel);
     });
+    if (entries.size() > kMostTries) entries.erase(entries.begin() + kMostTries, entries.end());
     return entries;
 }
 
@@ -231,7 +231,7 @@ bool RecogniseIco(Bytes file) {
 Result<Picture> DecodeIco(Bytes file, const DecodeOptions& options) {
     if (options.nestingLeft < 1) return Damaged("too many pictures inside one another");
     Failure failure = Damaged("the icon holds no picture");
-    for (const Entry& entry : FindEntries(file) | std::views::take(kMostTries)) {
+    for (const Entry& entry : FindEntries(file)) {
         Result<Picture> picture = DecodeEntry(entry, options);
         if (picture) return picture;
         failure = picture.Error();
