@@ -1,0 +1,37 @@
+#pragma once
+
+#include <span>
+
+#include "core/Bytes.h"
+#include "core/Result.h"
+#include "core/rastx/Picture.h"
+
+namespace tessara {
+
+/// What an EXIF block says about showing its picture.
+struct ExifFields {
+    int orientation = 1;  ///< 1 to 8 as in TIFF 6.0; 1 is upright
+    Resolution resolution;
+};
+
+/// Reads an EXIF block, from its TIFF header on. A damaged one gives what can be read.
+ExifFields ReadExif(Bytes block);
+
+/// The block for a picture that has been turned upright: orientation 1, and without the thumbnail, which
+/// would still lie on its side. Empty where the block is none.
+ByteVector UprightExif(Bytes block);
+
+/// Whether showing a picture of this orientation upright swaps its width and height.
+constexpr bool SwapsSides(int orientation) {
+    return orientation >= 5 && orientation <= 8;
+}
+
+/// Turns a picture upright that is stored in the given orientation, with its resolution.
+Result<Picture> ApplyOrientation(Picture picture, int orientation);
+
+/// The same piece by piece, for decoders that go through the file in bands: puts rows `firstRow` and
+/// following of a stored picture of `width` by `height` where they belong in the upright one.
+void PlaceOriented(std::span<const Pixel> rows, int firstRow, int width, int height, int orientation,
+                   std::span<Pixel> upright);
+
+}  // namespace tessara
