@@ -39,6 +39,7 @@ std::int32_t PerMetre(double dotsPerInch) {
 /// The two headers up to the colours used, which are what both kinds of file share.
 Result<ByteWriter> Headers(const Picture& picture, std::uint32_t infoSize, std::uint32_t bitsPerPixel,
                            std::uint32_t compression, std::uint64_t stride) {
+    if (picture.Empty()) return BadArgument("there is no picture to write");
     const std::uint64_t imageSize = stride * static_cast<std::uint64_t>(picture.Height());
     const std::uint64_t offset = kFileHeaderSize + infoSize;
     if (offset + imageSize > UINT32_MAX) return TooBig("the picture is too large for a bitmap file");
@@ -56,9 +57,11 @@ Result<ByteWriter> Headers(const Picture& picture, std::uint32_t infoSize, std::
 /// padding is 0 already.
 template <typename Pack>
 Result<void> WriteRows(const Picture& picture, std::uint64_t stride, ByteSink& sink, const Pack& pack) {
-    constexpr std::uint64_t kBlockSize = std::uint64_t{256} << 10;  // stays in the second level cache
-    const auto rowsPerBlock = static_cast<int>(std::max<std::uint64_t>(1, kBlockSize / stride));
-    std::vector<std::uint8_t> block(stride * static_cast<std::uint64_t>(rowsPerBlock));
+    // More than a file's buffer, which then passes it on as it is, and still no more than the cache holds.
+    constexpr std::uint64_t kBlockSize = std::uint64_t{512} << 10;
+    const auto rowsPerBlock = static_cast<int>(kBlockSize / stride + 1);
+    std::vector<std::uint8_t> block(stride *
+                                    static_cast<std::uint64_t>(std::min(rowsPerBlock, picture.Height())));
     for (int bottom = picture.Height(); bottom > 0; bottom -= rowsPerBlock) {
         const int rows = std::min(rowsPerBlock, bottom);
         const std::span<std::uint8_t> used(block.data(), stride * static_cast<std::uint64_t>(rows));

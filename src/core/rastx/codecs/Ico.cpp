@@ -240,6 +240,7 @@ Result<Picture> DecodeIco(Bytes file, const DecodeOptions& options) {
 }
 
 Result<void> EncodeIco(const Picture& picture, const EncodeOptions& options, ByteSink& sink) {
+    if (picture.Empty()) return BadArgument("there is no picture to write");
     TRY_ASSIGN(const Picture small,
                ShrinkToFit(options.transparent ? WithTransparentColor(picture, options.color) : picture));
     TRY_ASSIGN(const ByteVector entry, EncodeEntry(small));

@@ -85,34 +85,6 @@ TEST(Bmp, RecognisesABareBitmapOnlyWhereEveryFieldFits) {
               "WR");
 }
 
-TEST(Bmp, ReadsTheSamples) {
-    SKIP_WITHOUT_SAMPLES();
-    const struct {
-        const char* name;
-        int width, height, x, y;
-        Pixel expected;
-        double dotsPerInch;
-    } cases[] = {
-        {"bmp/Core_1_Bit.bmp", 435, 353, 290, 117, {0, 0, 0, 255}, 0},
-        {"bmp/hopper.bmp", 128, 128, 85, 42, {86, 113, 170, 255}, 96},
-        {"bmp/hopper_rle8.bmp", 128, 128, 85, 42, {105, 118, 178, 255}, 96},
-        {"bmp/bpp4-indexed.rle.not4.bmp", 34, 32, 22, 10, {128, 128, 0, 255}, 300},
-        {"dib/clock.dib", 192, 176, 128, 58, {178, 214, 230, 255}, 96},
-        {"dib/input.dib", 70, 46, 46, 15, {46, 56, 199, 255}, 74.295},
-        {"rle/bpp8-indexed.rle.rle", 32, 32, 21, 10, {128, 128, 0, 255}, 300},
-        {"rle/blauesglas_4.rle", 301, 331, 200, 110, {157, 21, 21, 255}, 72},
-        {"bmp/blauesglas_16_bitmask444.bmp", 301, 331, 200, 110, {153, 17, 17, 255}, 72},
-        {"bmp/V3_A1_R5_G5_B5_Top_Down.bmp", 6, 6, 4, 2, {0, 255, 0, 255}, 72},
-    };
-    for (const auto& row : cases) {
-        const Picture picture = Must(DecodeBmp(test::Sample(row.name), {}));
-        EXPECT_EQ(picture.Width(), row.width) << row.name;
-        EXPECT_EQ(picture.Height(), row.height) << row.name;
-        EXPECT_EQ(picture.At(row.x, row.y), row.expected) << row.name;
-        EXPECT_EQ(picture.Meta().resolution.x, row.dotsPerInch) << row.name;
-    }
-}
-
 TEST(Bmp, WritesRowsFromTheBottomUpWithPadding) {
     Picture picture = Draw("RG BK");
     picture.SetResolution({96, 72});
@@ -121,16 +93,6 @@ TEST(Bmp, WritesRowsFromTheBottomUpWithPadding) {
     EXPECT_EQ(sink.Written(), Hex("424d 46000000 00000000 36000000 28000000 02000000 02000000 0100 1800"
                                   "00000000 10000000 c40e0000 130b0000 00000000 00000000"
                                   "ff0000 000000 0000 0000ff 00ff00 0000"));
-}
-
-TEST(Bmp, ComposesAlphaOnWhite) {
-    Picture picture = Draw("R.");
-    picture.MutableRow(0)[0].a = 51;
-    MemorySink sink;
-    Must(EncodeBmp(picture, {}, sink));
-    const Picture read = Must(DecodeBmp(sink.Written(), {}));
-    EXPECT_EQ(read.At(0, 0), (Pixel{204, 204, 255, 255}));
-    EXPECT_EQ(read.At(1, 0), kWhite);
 }
 
 TEST(Bmp, PicturesOfManyBlocksComeBack) {

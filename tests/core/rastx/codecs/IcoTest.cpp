@@ -80,28 +80,6 @@ TEST(Ico, RecognisesDirectoriesThatLeadToAPicture) {
         RecogniseIco(test::Concatenate({Hex("000002 0000000000 00000000 1000 0100 1800"), ByteVector(48)})));
 }
 
-TEST(Ico, ReadsTheSamples) {
-    SKIP_WITHOUT_SAMPLES();
-    const struct {
-        const char* name;
-        int width, height, x, y;
-        Pixel expected;
-    } cases[] = {
-        {"ico/JavaCup.ico", 48, 48, 24, 24, {231, 254, 255, 145}},
-        {"ico/python.ico", 48, 48, 24, 24, {101, 231, 254, 255}},
-        {"ico/hopper_mask.ico", 16, 16, 8, 8, {255, 255, 255, 255}},
-        {"ico/hippopotamus.regular.ico", 36, 28, 18, 14, {82, 91, 46, 255}},
-        {"ico/bpp1-indexed.ico", 32, 32, 16, 16, {0, 0, 0, 255}},
-    };
-    for (const auto& row : cases) {
-        const Picture picture = Must(DecodeIco(test::Sample(row.name), {}));
-        EXPECT_EQ(picture.Width(), row.width) << row.name;
-        EXPECT_EQ(picture.Height(), row.height) << row.name;
-        EXPECT_EQ(picture.At(row.x, row.y), row.expected) << row.name;
-        EXPECT_EQ(picture.At(0, 0).a, picture.HasAlpha() ? 0 : 255) << row.name;
-    }
-}
-
 ByteVector Write(const Picture& picture, const EncodeOptions& options = {}) {
     MemorySink sink;
     Must(EncodeIco(picture, options, sink));
