@@ -8,6 +8,7 @@
 
 #include "core/ByteReader.h"
 #include "core/Parallel.h"
+#include "core/rastx/ColorProfile.h"
 #include "core/rastx/Rows.h"
 #include "core/rastx/codecs/Jpg.h"
 #include "core/rastx/codecs/Png.h"
@@ -439,6 +440,20 @@ Result<Picture> DecodeRows(const DibHeader& header, Bytes bits, const Masks& mas
     return picture;
 }
 
+/// The last header can name a place in the file for an ICC profile.
+void ConvertByProfile(Bytes dib, const DibHeader& header, Picture& picture) {
+    constexpr std::uint32_t kEmbeddedProfile = 0x4d424544;
+    if (header.size < kV5Size) return;
+    ByteReader reader(dib);
+    reader.Seek(56);
+    if (reader.U32Le() != kEmbeddedProfile) return;
+    reader.Seek(112);
+    const std::uint64_t offset = reader.U32Le();
+    const std::uint64_t length = reader.U32Le();
+    const auto profile = ColorProfile::Open(Slice(dib, offset, length), SampleColors::Rgb);
+    if (profile) profile->ConvertPixels(picture.MutablePixels());
+}
+
 bool AllTransparent(const Picture& picture) {
     return std::ranges::all_of(picture.Pixels(), [](Pixel pixel) { return pixel.a == 0; });
 }
@@ -498,13 +513,17 @@ Result<Picture> DecodePixels(Bytes dib, std::optional<Bytes> givenBits, const Di
     ColorTable table = ReadColorTable(dib, header, dibOptions);
     const Bytes bits = givenBits.value_or(Slice(dib, table.end));
     if (header.layout == Layout::Embedded) return DecodeEmbedded(header, bits, options);
-    if (header.layout != Layout::Rows)
-        return DecodeRuns(header, bits, std::move(table.colors), options.limits);
+    if (header.layout != Layout::Rows) {
+        TRY_ASSIGN(Picture picture, DecodeRuns(header, bits, std::move(table.colors), options.limits));
+        ConvertByProfile(dib, header, picture);
+        return picture;
+    }
     const bool fourthByteCounts =
         dibOptions.iconWithMask || dibOptions.premultipliedAlpha || dibOptions.alphaWhereUsed;
     TRY_ASSIGN(Picture picture, DecodeRows(header, bits, MasksOf(header, fourthByteCounts),
                                            std::move(table.colors), options.limits));
     SettleAlpha(header, bits, dibOptions, picture);
+    ConvertByProfile(dib, header, picture);
     return picture;
 }
 
