@@ -322,20 +322,24 @@ Result<Components> ReadLargest(Bytes file, const Header& header) {
     return picture;
 }
 
-/// Brightness in tones of sRGB. White of the scene is near 247, highlights reach 346 and are bent rather than
-/// cut; between these points the curve is straight.
+/// Brightness to tones of sRGB, as a curve that is straight between these points.
 struct Knot {
     int in, out;
 };
-constexpr Knot kTones[] = {{0, 0},     {61, 64},   {130, 139}, {194, 201},
-                           {241, 236}, {270, 249}, {304, 254}, {350, 255}};
-constexpr int kBrightest = 350;
+/// White of the scene is near 247, highlights reach 346 and are bent rather than cut.
+constexpr Knot kFilmTones[] = {{0, 0},     {61, 64},   {130, 139}, {194, 201},
+                               {241, 236}, {270, 249}, {304, 254}, {350, 255}};
+/// White is the largest luma, 346.
+constexpr Knot kFullRangeTones[] = {{0, 0}, {346, 255}, {350, 255}};
 
-constexpr std::array<std::uint8_t, kBrightest + 1> MakeToneTable() {
-    std::array<std::uint8_t, kBrightest + 1> table{};
-    for (std::size_t k = 1; k < std::size(kTones); ++k) {
-        const Knot from = kTones[k - 1];
-        const Knot to = kTones[k];
+constexpr int kBrightest = 350;
+using ToneTable = std::array<std::uint8_t, kBrightest + 1>;
+
+constexpr ToneTable MakeToneTable(std::span<const Knot> knots) {
+    ToneTable table{};
+    for (std::size_t k = 1; k < knots.size(); ++k) {
+        const Knot from = knots[k - 1];
+        const Knot to = knots[k];
         const int width = to.in - from.in;
         for (int i = 0; i <= width; ++i)
             table[static_cast<std::size_t>(from.in + i)] =
@@ -343,58 +347,69 @@ constexpr std::array<std::uint8_t, kBrightest + 1> MakeToneTable() {
     }
     return table;
 }
-constexpr auto kToneTable = MakeToneTable();
+constexpr ToneTable kFilmToneTable = MakeToneTable(kFilmTones);
+constexpr ToneTable kFullRangeToneTable = MakeToneTable(kFullRangeTones);
 
-std::uint8_t Tone(int fixed) {
+/// Whether a program wrote the file rather than the workstation of a scanner. The one that is used for it
+/// stores white as the largest luma instead of leaving room for highlights; shown by the film's curve, its
+/// pictures would be overexposed by half. It is known by a fixed first sector and an information area without
+/// a word.
+bool IsWrittenByProgram(Bytes file) {
+    constexpr std::size_t kOnes = 32, kFourteens = 4;
+    constexpr std::size_t kInformation = kSector + 8;
+    const auto all = [file](std::size_t offset, std::size_t length, std::uint8_t value) {
+        return std::ranges::all_of(Slice(file, offset, length),
+                                   [=](std::uint8_t byte) { return byte == value; });
+    };
+    return all(0, kOnes, 0xff) && all(kOnes, kFourteens, 0x0e) &&
+           all(kInformation, kAttributesOffset - kInformation, 0);
+}
+
+std::uint8_t Tone(const ToneTable& tones, int fixed) {
     constexpr int kFraction = 20;
     const int value = (fixed + (1 << (kFraction - 1))) >> kFraction;
-    return kToneTable[static_cast<std::size_t>(std::clamp(value, 0, kBrightest))];
+    return tones[static_cast<std::size_t>(std::clamp(value, 0, kBrightest))];
 }
 
 /// Luma and chroma to colours. The factors are fixed point numbers of 20 bits.
-void ComponentsToPixels(Bytes luma, Bytes blue, Bytes red, std::span<Pixel> pixels) {
+void ComponentsToPixels(Bytes luma, Bytes blue, Bytes red, const ToneTable& tones, std::span<Pixel> pixels) {
     constexpr int kNeutralBlue = 156, kNeutralRed = 137;
     for (std::size_t x = 0; x < pixels.size(); ++x) {
         const int y = 1424386 * luma[x];
         const int b = blue[x] - kNeutralBlue;
         const int r = red[x] - kNeutralRed;
-        pixels[x] = {Tone(y + 2325637 * b), Tone(y - 451174 * b - 972180 * r), Tone(y + 1909981 * r), 255};
+        pixels[x] = {Tone(tones, y + 2325637 * b), Tone(tones, y - 451174 * b - 972180 * r),
+                     Tone(tones, y + 1909981 * r), 255};
     }
 }
 
-/// The picture turned counter-clockwise.
+/// The picture turned counter-clockwise. Squares keep both the rows read and the columns written in the
+/// cache.
 Result<Picture> Turned(const Picture& picture, unsigned quarters, const Limits& limits) {
     if (quarters == 0) return picture;
+    constexpr int kSquare = 32;
     const int width = picture.Width(), height = picture.Height();
     const bool onSide = quarters % 2 == 1;
     TRY_ASSIGN(Picture turned,
                Picture::Create(onSide ? height : width, onSide ? width : height, Alpha::None, limits));
+    const auto source = picture.Pixels();
     const auto target = turned.MutablePixels();
-    const auto place = [&](int x, int y) {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(turned.Width()) +
-               static_cast<std::size_t>(x);
-    };
-    for (int y = 0; y < height; ++y) {
-        const auto row = picture.Row(y);
-        for (int x = 0; x < width; ++x) {
-            const Pixel pixel = row[static_cast<std::size_t>(x)];
-            switch (quarters) {
-                case 1:
-                    target[place(y, width - 1 - x)] = pixel;
-                    break;
-                case 2:
-                    target[place(width - 1 - x, height - 1 - y)] = pixel;
-                    break;
-                default:
-                    target[place(height - 1 - y, x)] = pixel;
-                    break;
-            }
-        }
-    }
+    // Where the first pixel goes, and how far apart its neighbours to the right and below are then.
+    const std::ptrdiff_t origins[] = {0, std::ptrdiff_t{width - 1} * height,
+                                      std::ptrdiff_t{width} * height - 1, height - 1};
+    const std::ptrdiff_t rights[] = {1, -height, -1, height};
+    const std::ptrdiff_t belows[] = {width, 1, -width, -1};
+    for (int top = 0; top < height; top += kSquare)
+        for (int left = 0; left < width; left += kSquare)
+            for (int y = top; y < std::min(top + kSquare, height); ++y)
+                for (int x = left; x < std::min(left + kSquare, width); ++x)
+                    target[static_cast<std::size_t>(origins[quarters] + x * rights[quarters] +
+                                                    y * belows[quarters])] =
+                        source[static_cast<std::size_t>(std::ptrdiff_t{y} * width + x)];
     return turned;
 }
 
-Result<Picture> ToPicture(const Components& components, const Limits& limits) {
+Result<Picture> ToPicture(const Components& components, const ToneTable& tones, const Limits& limits) {
     const Plane& luma = components.luma;
     TRY_ASSIGN(Picture picture, Picture::Create(static_cast<std::int64_t>(luma.width),
                                                 static_cast<std::int64_t>(luma.height), Alpha::None, limits));
@@ -402,7 +417,7 @@ Result<Picture> ToPicture(const Components& components, const Limits& limits) {
     const Plane red = Doubled(components.red);
     for (int y = 0; y < picture.Height(); ++y) {
         const auto row = static_cast<std::size_t>(y);
-        ComponentsToPixels(luma.Row(row), blue.Row(row), red.Row(row), picture.MutableRow(y));
+        ComponentsToPixels(luma.Row(row), blue.Row(row), red.Row(row), tones, picture.MutableRow(y));
     }
     return picture;
 }
@@ -417,11 +432,12 @@ Result<Picture> DecodePcd(Bytes file, const DecodeOptions& options) {
     if (HasSignature(file, kOverviewPac)) {
         const auto first = ReadPlain(file, kBaseOver16.width, kBaseOver16.height, kFirstOfOverview);
         if (!first) return Damaged("the overview holds no whole picture");
-        return ToPicture(*first, options.limits);
+        return ToPicture(*first, kFilmToneTable, options.limits);
     }
     TRY_ASSIGN(const Header header, ReadHeader(file));
     TRY_ASSIGN(const Components components, ReadLargest(file, header));
-    TRY_ASSIGN(const Picture picture, ToPicture(components, options.limits));
+    const ToneTable& tones = IsWrittenByProgram(file) ? kFullRangeToneTable : kFilmToneTable;
+    TRY_ASSIGN(const Picture picture, ToPicture(components, tones, options.limits));
     return Turned(picture, header.quarterTurns, options.limits);
 }
 
