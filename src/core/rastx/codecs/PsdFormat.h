@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+
+namespace tessara {
+
+/// The colour model of a document, by its number in the file.
+enum class PsdMode : std::uint16_t {
+    Bitmap = 0,
+    Grey = 1,
+    Indexed = 2,
+    Rgb = 3,
+    Cmyk = 4,
+    Multichannel = 7,
+    Duotone = 8,
+    Lab = 9,
+};
+
+struct PsdHeader {
+    bool large = false;  ///< the PSB form: longer lengths in several places
+    int channels = 0;
+    std::int64_t width = 0, height = 0;
+    int depth = 0;  ///< bits of a sample: 1, 8, 16 or 32 (floating point)
+    PsdMode mode = PsdMode::Rgb;
+};
+
+}  // namespace tessara
