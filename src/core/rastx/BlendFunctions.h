@@ -49,7 +49,7 @@ inline float Divide(float s, float d) {
 }
 
 inline float Luminance(Tone c) {
-    return 0.30f * c.r + 0.59f * c.g + 0.11f * c.b;
+    return std::min(0.30f * c.r + 0.59f * c.g + 0.11f * c.b, 1.0f);
 }
 inline float Least(Tone c) {
     return std::min({c.r, c.g, c.b});
@@ -78,7 +78,8 @@ inline Tone WithLuminance(Tone c, float luminance) {
 inline Tone WithSaturation(Tone c, float saturation) {
     const float least = Least(c);
     const float range = Most(c) - least;
-    if (range <= 0) return {0, 0, 0, c.a};
+    constexpr float kGrey = 1e-5f;  // a rounding error must not grow into a colour
+    if (range <= kGrey) return {0, 0, 0, c.a};
     const float scale = saturation / range;
     return {(c.b - least) * scale, (c.g - least) * scale, (c.r - least) * scale, c.a};
 }
@@ -96,7 +97,8 @@ inline Hsl ToHsl(Tone c) {
                 : c.g >= most ? 2 + (c.b - c.r) / range
                               : 4 + (c.r - c.g) / range;
     if (hue < 0) hue += 6;
-    return {hue, range / (1 - std::abs(2 * lightness - 1)), lightness};
+    // Near black and white the two differ by rounding errors alone.
+    return {hue, range / std::max(1 - std::abs(2 * lightness - 1), range), lightness};
 }
 
 inline Tone FromHsl(Hsl hsl) {

@@ -67,7 +67,9 @@ void Premultiply(std::span<Tone> tones) {
 
 Tone Straight(Tone tone) {
     if (tone.a <= 0) return {};
-    return {tone.b / tone.a, tone.g / tone.a, tone.r / tone.a, tone.a};
+    // The rules take roots and quotients: a colour must not leave its range by a rounding error.
+    const auto channel = [=](float value) { return std::clamp(value / tone.a, 0.0f, 1.0f); };
+    return {channel(tone.b), channel(tone.g), channel(tone.r), tone.a};
 }
 
 /// Blends with a rule for whole colours.

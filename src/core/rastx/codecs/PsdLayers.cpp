@@ -286,13 +286,12 @@ class LayerBuilder {
         LayerMask mask;
         mask.outside = value(stored.outside);
         mask.box = stored.box.Intersected(Canvas());
-        const std::optional<PsdPlanes> planes =
-            mask.box.Empty() ? std::nullopt : Open(record, -2, stored.box);
-        if (!planes) {
-            // A mask without a shape is its outside; one that cannot be read is better not applied.
-            mask.box = {};
-            if (stored.box.Empty()) layer.mask = std::move(mask);
-            return {};
+        std::optional<PsdPlanes> planes;
+        if (mask.box.Empty()) {
+            mask.box = {};  // only its outside is on the canvas
+        } else {
+            planes = Open(record, -2, stored.box);
+            if (!planes) return {};  // better not applied than guessed
         }
         TRY(budget_.Take(mask.box));
         mask.values.assign(mask.box.Area(), mask.outside);
