@@ -6,15 +6,13 @@ namespace tessara {
 
 enum class MetafileKind { Windows, Enhanced };
 
-/// Draws a metafile. The player needs a toolkit for fonts and curves, so it lives in a module that is loaded
-/// when the first metafile is read; without the module that is an `Unsupported` failure.
+/// Draws a metafile whose header was checked. The player needs a toolkit for fonts and curves, so it lives in
+/// a module that is loaded when the first metafile is read; without it that is an `Unsupported` failure.
 Result<Picture> PlayMetafile(MetafileKind kind, Bytes file, const DecodeOptions& options);
 
-/// What the module exports under the name `kPlayMetafileSymbol`. The file is never empty of meaning: its
-/// header was checked before.
+/// What the module exports under the name kPlayMetafileFunction.
 using PlayMetafileFunction = void (*)(MetafileKind kind, Bytes file, const DecodeOptions& options,
                                       Result<Picture>& played);
-inline constexpr char kPlayMetafileSymbol[] = "TessaraPlayMetafile";
-inline constexpr char kMetafileModuleName[] = "tessara_metafile.so";
+inline constexpr char kPlayMetafileFunction[] = "TessaraPlayMetafile";
 
 }  // namespace tessara

@@ -1,0 +1,178 @@
+// Records that draw bitmaps.
+
+#include "metafile/EmfPlayer.h"
+#include "metafile/Player.h"
+
+namespace tessara::metafile {
+namespace {
+
+constexpr std::size_t kBoundsBytes = 16;
+
+/// An image whose pixels of one colour are transparent.
+QImage WithTransparentColor(const QImage& image, QRgb key) {
+    QImage keyed = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < keyed.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(keyed.scanLine(y));
+        for (int x = 0; x < keyed.width(); ++x)
+            if ((row[x] & 0xFFFFFF) == (key & 0xFFFFFF)) row[x] = 0;
+    }
+    return keyed;
+}
+
+/// An image that shows where a mask of two colours is white.
+QImage WithMask(const QImage& image, const QImage& mask, QPoint maskCorner) {
+    QImage masked = image.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < masked.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(masked.scanLine(y));
+        for (int x = 0; x < masked.width(); ++x) {
+            const QPoint at = maskCorner + QPoint(x, y);
+            if (!mask.valid(at) || qGray(mask.pixel(at)) < 128) row[x] = 0;
+        }
+    }
+    return masked;
+}
+
+}  // namespace
+
+RecordBitmap EmfPlayer::ReadBitmapPlace(Record& record, bool usageFollows) const {
+    ByteReader& reader = record.reader;
+    RecordBitmap bitmap;
+    if (usageFollows) bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
+    const std::uint32_t headerOffset = reader.U32Le();
+    const std::uint32_t headerBytes = reader.U32Le();
+    const std::uint32_t bitsOffset = reader.U32Le();
+    reader.Skip(4);  // the length of the bits, which some programs leave 0 or too small
+    if (headerBytes > 0) bitmap.header = Slice(record.bytes, headerOffset, headerBytes);
+    bitmap.bits = Slice(record.bytes, bitsOffset);
+    return bitmap;
+}
+
+QImage EmfPlayer::Decode(const RecordBitmap& bitmap) {
+    return DecodeBitmap(bitmap, State().palette, options_, canvas_.Budget());
+}
+
+void EmfPlayer::StretchDib(Record& record) {
+    ByteReader& reader = record.reader;
+    reader.Skip(kBoundsBytes);
+    const QPointF corner = ReadPoint(reader);
+    const QPointF sourceCorner = ReadPoint(reader);
+    const QPointF sourceSize = ReadPoint(reader);
+    RecordBitmap bitmap = ReadBitmapPlace(record, false);
+    bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
+    const auto operation = RasterOperation::OfBitmap(reader.U32Le());
+    const QPointF size = ReadPoint(reader);
+    const QRectF target(corner, QSizeF(size.x(), size.y()));
+    if (!operation.NeedsSource()) return context_.FillPattern(target, operation);
+    const QImage image = Decode(bitmap);
+    QRectF source(sourceCorner, QSizeF(sourceSize.x(), sourceSize.y()));
+    if (bitmap.BottomUp()) source.moveTop(image.height() - source.y() - source.height());
+    context_.DrawBitmap(PartOf(image, source, target, operation));
+}
+
+void EmfPlayer::SetDibToDevice(Record& record) {
+    ByteReader& reader = record.reader;
+    reader.Skip(kBoundsBytes);
+    const QPointF corner = ReadPoint(reader);
+    const QPointF sourceCorner = ReadPoint(reader);
+    const QPointF size = ReadPoint(reader);
+    RecordBitmap bitmap = ReadBitmapPlace(record, false);
+    bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
+    const QImage image = Decode(bitmap);
+    QRectF source(sourceCorner, QSizeF(size.x(), size.y()));
+    if (bitmap.BottomUp()) source.moveTop(image.height() - source.y() - source.height());
+    // The corner is logical, but the size counts pixels.
+    BitmapCall call = PartOf(image, source, QRectF(context_.ToReference().map(corner), source.size()),
+                             RasterOperation::CopySource());
+    call.targetInPixels = true;
+    context_.DrawBitmap(call);
+}
+
+EmfPlayer::Transfer EmfPlayer::ReadTransfer(Record& record) {
+    ByteReader& reader = record.reader;
+    Transfer transfer;
+    reader.Skip(kBoundsBytes);
+    const QPointF corner = ReadPoint(reader);
+    const QPointF size = ReadPoint(reader);
+    transfer.target = QRectF(corner, QSizeF(size.x(), size.y()));
+    transfer.code = reader.U32Le();
+    transfer.sourceCorner = ReadPoint(reader);
+    transfer.sourceTransform = ReadTransform(reader);
+    transfer.background = ReadColor(record);
+    transfer.bitmap = ReadBitmapPlace(record);
+    transfer.hasBitmap = !transfer.bitmap.header.empty();
+    return transfer;
+}
+
+/// The size of the source follows in the records that can stretch. The transform of the source's own device
+/// context places the box on the bitmap.
+QRectF EmfPlayer::ReadSourceBox(Record& record, const Transfer& transfer) {
+    const QPointF size = ReadPoint(record.reader);
+    return transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, QSizeF(size.x(), size.y())));
+}
+
+void EmfPlayer::BlockTransfer(Record& record, bool stretches) {
+    const Transfer transfer = ReadTransfer(record);
+    const auto operation = RasterOperation::OfBitmap(transfer.code);
+    if (!operation.NeedsSource()) return context_.FillPattern(transfer.target, operation);
+    if (!transfer.hasBitmap) return;
+    QRectF source(transfer.sourceCorner, transfer.target.size());
+    source = stretches ? ReadSourceBox(record, transfer) : transfer.sourceTransform.mapRect(source);
+    context_.DrawBitmap(PartOf(Decode(transfer.bitmap), source, transfer.target, operation));
+}
+
+void EmfPlayer::MaskBlt(Record& record) {
+    Transfer transfer = ReadTransfer(record);
+    const QPointF maskCorner = ReadPoint(record.reader);
+    const RecordBitmap maskBitmap = ReadBitmapPlace(record);
+    if (!transfer.hasBitmap) return;
+    const QRectF source = transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
+    BitmapCall call = PartOf(Decode(transfer.bitmap), source, transfer.target, RasterOperation::CopySource());
+    const QImage mask = Decode(maskBitmap);
+    if (!mask.isNull() && !call.image.isNull()) call.image = WithMask(call.image, mask, maskCorner.toPoint());
+    context_.DrawTransparent(call.image, call.target, 1);
+}
+
+void EmfPlayer::ParallelogramBlt(Record& record) {
+    ByteReader& reader = record.reader;
+    reader.Skip(kBoundsBytes);
+    const QPointF first = ReadPoint(reader);
+    const QPointF second = ReadPoint(reader);
+    const QPointF third = ReadPoint(reader);
+    const QPointF corner = ReadPoint(reader);
+    const QPointF size = ReadPoint(reader);
+    const QTransform sourceTransform = ReadTransform(reader);
+    reader.Skip(4);
+    const RecordBitmap bitmap = ReadBitmapPlace(record);
+    const QPointF maskCorner = ReadPoint(reader);
+    const RecordBitmap maskBitmap = ReadBitmapPlace(record);
+    const QRectF source = sourceTransform.mapRect(QRectF(corner, QSizeF(size.x(), size.y())));
+    QImage image = PartOf(Decode(bitmap), source, source, RasterOperation::CopySource()).image;
+    if (!maskBitmap.header.empty() && !image.isNull()) {
+        const QImage mask = Decode(maskBitmap);
+        if (!mask.isNull()) image = WithMask(image, mask, maskCorner.toPoint());
+    }
+    context_.DrawParallelogram(image, {first, second, third});
+}
+
+void EmfPlayer::TransparentBlt(Record& record) {
+    const Transfer transfer = ReadTransfer(record);
+    const QRectF source = ReadSourceBox(record, transfer);
+    const QImage image = Decode(transfer.bitmap);
+    if (image.isNull()) return;
+    const QImage keyed = WithTransparentColor(image, ColorOf(transfer.code, State().palette));
+    const BitmapCall call = PartOf(keyed, source, transfer.target, RasterOperation::CopySource());
+    context_.DrawTransparent(call.image, call.target, 1);
+}
+
+void EmfPlayer::AlphaBlend(Record& record) {
+    constexpr std::uint32_t kSourceHasAlpha = 1;
+    Transfer transfer = ReadTransfer(record);
+    const QRectF source = ReadSourceBox(record, transfer);
+    transfer.bitmap.premultipliedAlpha = transfer.code >> 24 == kSourceHasAlpha;
+    const double opacity = ((transfer.code >> 16) & 0xFF) / 255.0;
+    const BitmapCall call =
+        PartOf(Decode(transfer.bitmap), source, transfer.target, RasterOperation::CopySource());
+    context_.DrawTransparent(call.image, call.target, opacity);
+}
+
+}  // namespace tessara::metafile
