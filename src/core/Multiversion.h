@@ -10,5 +10,10 @@
 #define TESSARA_MULTIVERSION
 #endif
 
-/// For the rule that such a loop applies: a call would undo the vectorisation.
+/// For the pieces of such a loop that are functions of their own: one that is not inlined is compiled for the
+/// oldest instruction set only.
+#if defined(__GNUC__)
 #define TESSARA_ALWAYS_INLINE inline __attribute__((always_inline))
+#else
+#define TESSARA_ALWAYS_INLINE inline
+#endif
