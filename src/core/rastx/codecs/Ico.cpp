@@ -1,7 +1,6 @@
 #include "core/rastx/codecs/Ico.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <functional>
 #include <optional>
@@ -9,8 +8,10 @@
 #include <vector>
 
 #include "core/ByteReader.h"
+#include "core/Parallel.h"
 #include "core/rastx/codecs/Dib.h"
 #include "core/rastx/codecs/Png.h"
+#include "core/rastx/effects/Resample.h"
 
 // A Windows icon or cursor, all little-endian:
 //
@@ -133,64 +134,14 @@ Picture WithTransparentColor(Picture picture, ColorNumber color) {
     return picture;
 }
 
-using Sums = std::array<float, 4>;  ///< premultiplied b, g, r, and alpha
-
-/// Calls `take(i, weight)` for the source pixels that target pixel `index` covers, whole or in part; the
-/// weights add up to 1.
-template <typename Take>
-void ForCovered(int index, int sourceLength, int targetLength, const Take& take) {
-    const double scale = static_cast<double>(sourceLength) / targetLength;
-    const double begin = index * scale;
-    const double end = std::min<double>(begin + scale, sourceLength);
-    for (int i = static_cast<int>(begin); i < end; ++i)
-        take(i, static_cast<float>((std::min<double>(end, i + 1) - std::max<double>(begin, i)) / scale));
-}
-
-Pixel FromSums(const Sums& sums) {
-    if (sums[3] < 0.5f) return kTransparent;
-    const auto straight = [&](float sum) {
-        return static_cast<std::uint8_t>(std::clamp(std::lround(255 * sum / sums[3]), 0L, 255L));
-    };
-    return {straight(sums[0]), straight(sums[1]), straight(sums[2]),
-            static_cast<std::uint8_t>(std::min(255L, std::lround(sums[3])))};
-}
-
-/// Shrinks to the largest side that an icon can have, each pixel the mean of those that it covers.
 Result<Picture> ShrinkToFit(const Picture& picture) {
     const int longSide = std::max(picture.Width(), picture.Height());
     if (longSide <= kLargestSide) return picture;
     const auto fitted = [&](int side) {
-        return std::max(1,
-                        static_cast<int>(std::lround(static_cast<double>(side) * kLargestSide / longSide)));
+        return static_cast<int>(std::lround(static_cast<double>(side) * kLargestSide / longSide));
     };
-    TRY_ASSIGN(Picture small,
-               Picture::Create(fitted(picture.Width()), fitted(picture.Height()), Alpha::Straight));
-    const auto width = static_cast<std::size_t>(picture.Width());
-    std::vector<Sums> column(width);
-    for (int y = 0; y < small.Height(); ++y) {
-        std::ranges::fill(column, Sums{});
-        ForCovered(y, picture.Height(), small.Height(), [&](int sourceY, float weight) {
-            const std::span<const Pixel> row = picture.Row(sourceY);
-            for (std::size_t x = 0; x < width; ++x) {
-                const float alpha = weight * row[x].a;
-                const float part = alpha / 255;
-                column[x][0] += part * row[x].b;
-                column[x][1] += part * row[x].g;
-                column[x][2] += part * row[x].r;
-                column[x][3] += alpha;
-            }
-        });
-        const std::span<Pixel> target = small.MutableRow(y);
-        for (int x = 0; x < small.Width(); ++x) {
-            Sums sums{};
-            ForCovered(x, picture.Width(), small.Width(), [&](int sourceX, float weight) {
-                for (std::size_t c = 0; c < 4; ++c)
-                    sums[c] += weight * column[static_cast<std::size_t>(sourceX)][c];
-            });
-            target[static_cast<std::size_t>(x)] = FromSums(sums);
-        }
-    }
-    return small;
+    return Resample(picture, fitted(picture.Width()), fitted(picture.Height()), ResampleQuality::Best,
+                    HardwareThreads());
 }
 
 /// A bitmap of 32 bits with its mask, for systems that do not know the alpha in it.
@@ -214,9 +165,9 @@ ByteVector EncodeBitmapEntry(const Picture& picture) {
     return writer.TakeBytes();
 }
 
-Result<ByteVector> EncodeEntry(Picture picture) {
+// FIXME: some readers take only 32-bit PNG files in icons; the PNG encoder may choose a leaner form.
+Result<ByteVector> EncodeEntry(const Picture& picture) {
     if (std::max(picture.Width(), picture.Height()) < kLargestSide) return EncodeBitmapEntry(picture);
-    picture.SetAlpha(Alpha::Straight);  // readers expect a PNG of 32 bits here
     MemorySink sink;
     TRY(EncodePng(picture, {}, sink));
     return sink.TakeBytes();

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/ByteSink.h"
+#include "core/rastx/codecs/Jpg.h"
 #include "tests/Support.h"
 
 namespace tessara {
@@ -138,6 +139,16 @@ TEST(Dib, MultipliedColorsBecomeStraight) {
         Must(Decode(Header(40, 2, 1, 32), "00004080 00000000", {.premultipliedAlpha = true}));
     EXPECT_EQ(picture.At(0, 0), (Pixel{0, 0, 128, 128}));
     EXPECT_EQ(picture.At(1, 0), kTransparent);
+}
+
+TEST(Dib, CarriesWholeFiles) {
+    const Picture picture = test::PhotoLike(20, 10);
+    MemorySink jpg;
+    Must(EncodeJpg(picture, {}, jpg));
+    const ByteVector dib = Concatenate({Header(40, 9, 9, 0, 4), jpg.Written()});
+    const Picture read = Must(DecodeDib(dib, std::nullopt, {}, {}));
+    EXPECT_EQ(test::LargestDifference(read, Must(DecodeJpg(jpg.Written(), {}))), 0);
+    EXPECT_FALSE(DecodeDib(dib, std::nullopt, {}, {.limits = {}, .nestingLeft = 0}));
 }
 
 TEST(Dib, RefusesWhatHoldsNoPicture) {
