@@ -9,6 +9,8 @@
 
 namespace tessara {
 
+inline constexpr std::size_t kMaximumColors = 256;
+
 /// Finds the nearest of up to 256 colours.
 class NearestColor {
   public:
@@ -17,8 +19,7 @@ class NearestColor {
     std::uint8_t Find(int b, int g, int r) const;
 
   private:
-    static constexpr std::size_t kColors = 256;
-    alignas(64) std::array<std::int32_t, kColors> b_, g_, r_;
+    alignas(64) std::array<std::int32_t, kMaximumColors> b_, g_, r_;
 };
 
 /// A colour and how often it occurs.
@@ -29,8 +30,8 @@ struct WeightedColor {
 
 /// Up to `size` colours for a picture whose colours are `colors` (which are reordered): boxes of them are cut in two
 /// where that lowers the variance most (X. Wu, "Color quantization by dynamic programming and principal analysis",
-/// 1992, in its greedy form), then the means move to where the colours nearest to them are (k-means). `fixed` are in
-/// the palette in any case, first and unchanged.
+/// 1992, in its greedy form), the means move to where the colours nearest to them are (k-means), and the outer ones
+/// spread. `fixed` are in the palette in any case, first and unchanged.
 std::vector<Pixel> ChoosePalette(std::span<WeightedColor> colors, std::span<const Pixel> fixed,
                                  std::size_t size);
 

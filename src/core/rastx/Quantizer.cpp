@@ -3,18 +3,28 @@
 #include <algorithm>
 #include <bit>
 #include <cassert>
-#include <cstdlib>
 
 #include "core/rastx/Rows.h"
 
 namespace tessara {
 namespace {
 
-constexpr std::size_t kMaximumColors = 256;
 constexpr std::uint8_t kOpaqueFrom = 128;
+
+// A colour that fills twice the area of an average entry, in runs, gets an entry of its own; at least half of the
+// palette is left for the rest.
+constexpr std::uint64_t kFlatShare = 128;
+constexpr std::size_t kMaximumFlatColors = 128;
+
+// Where no mixture of the palette reaches a colour the error would grow from pixel to pixel and then smear over
+// whatever comes next.
+constexpr int kErrorLimit = 24;
 
 std::uint32_t Bits(Pixel pixel) {
     return std::bit_cast<std::uint32_t>(pixel);
+}
+std::uint8_t Clamped(int value) {
+    return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
 }
 std::uint32_t Hash(Pixel pixel) {
     return Bits(pixel) * 2654435769u;
@@ -22,13 +32,15 @@ std::uint32_t Hash(Pixel pixel) {
 
 // ---- What colours a picture has ----
 
+// Colours are told apart by the upper six bits of each channel.
 constexpr int kCellBits = 6;
+constexpr int kCellDrop = 8 - kCellBits;
+constexpr int kCellMask = (1 << kCellDrop) - 1;
 constexpr std::size_t kCells = std::size_t{1} << (3 * kCellBits);
 
 std::size_t CellOf(Pixel p) {
-    constexpr int kDrop = 8 - kCellBits;
-    return static_cast<std::size_t>(p.r >> kDrop) << (2 * kCellBits) |
-           static_cast<std::size_t>(p.g >> kDrop) << kCellBits | static_cast<std::size_t>(p.b >> kDrop);
+    return static_cast<std::size_t>(p.r >> kCellDrop) << (2 * kCellBits) |
+           static_cast<std::size_t>(p.g >> kCellDrop) << kCellBits | static_cast<std::size_t>(p.b >> kCellDrop);
 }
 
 /// Counts the colours of a picture by their upper six bits, with the means of the lower two; and the colours that fill
@@ -43,30 +55,28 @@ class ColorHistogram {
             if (pixel.a == 0) continue;
             Cell& cell = cells_[CellOf(pixel)];
             ++cell.count;
-            cell.b += pixel.b & 3;
-            cell.g += pixel.g & 3;
-            cell.r += pixel.r & 3;
+            cell.b += pixel.b & kCellMask;
+            cell.g += pixel.g & kCellMask;
+            cell.r += pixel.r & kCellMask;
             if (Bits(pixel) == Bits(previous)) AddFlat(pixel);
             previous = pixel;
         }
-        
     }
 
     /// The colours that fill more than their share of the picture, at most `maximum`. They are taken out.
     std::vector<Pixel> TakeFlatColors(std::size_t maximum) {
-        static const double kShare = getenv("SHARE") ? atof(getenv("SHARE")) : 512;
         std::uint64_t total = 0;
         for (const Cell& cell : cells_) total += cell.count;
         std::ranges::sort(flat_, std::ranges::greater{}, &Flat::count);
         std::vector<Pixel> colors;
         for (const Flat& flat : flat_) {
-            if (colors.size() == maximum || flat.count * kShare <= static_cast<double>(total)) break;
+            if (colors.size() == maximum || flat.count <= total / kFlatShare) break;
             colors.push_back(flat.color);
             Cell& cell = cells_[CellOf(flat.color)];
             cell.count -= flat.count;
-            cell.b -= flat.count * (flat.color.b & 3u);
-            cell.g -= flat.count * (flat.color.g & 3u);
-            cell.r -= flat.count * (flat.color.r & 3u);
+            cell.b -= flat.count * static_cast<std::uint32_t>(flat.color.b & kCellMask);
+            cell.g -= flat.count * static_cast<std::uint32_t>(flat.color.g & kCellMask);
+            cell.r -= flat.count * static_cast<std::uint32_t>(flat.color.r & kCellMask);
         }
         return colors;
     }
@@ -77,11 +87,11 @@ class ColorHistogram {
             const Cell& cell = cells_[i];
             if (cell.count == 0) continue;
             const auto weight = static_cast<float>(cell.count);
-            const auto channel = [&](std::size_t plane, std::uint32_t low) {
-                return static_cast<float>(plane % 64 * 4) + static_cast<float>(low) / weight;
+            const auto channel = [&](int position, std::uint32_t low) {
+                const std::size_t plane = i >> (position * kCellBits) & ((1 << kCellBits) - 1);
+                return static_cast<float>(plane << kCellDrop) + static_cast<float>(low) / weight;
             };
-            colors.push_back(
-                {{channel(i, cell.b), channel(i >> 6, cell.g), channel(i >> 12, cell.r)}, weight});
+            colors.push_back({{channel(0, cell.b), channel(1, cell.g), channel(2, cell.r)}, weight});
         }
         return colors;
     }
@@ -183,15 +193,14 @@ void Quantizer::ChooseColors() {
     ColorHistogram histogram;
     for (int y = 0; y < picture_.Height(); ++y) histogram.AddRow(PreparedRow(y));
     const std::size_t size = kMaximumColors - (mayBeTransparent_ ? 1 : 0);
-    static const int kFlatMax = getenv("FLATMAX") ? atoi(getenv("FLATMAX")) : 128;
-    const std::vector<Pixel> flat = histogram.TakeFlatColors(kFlatMax);
+    const std::vector<Pixel> flat = histogram.TakeFlatColors(kMaximumFlatColors);
     exactColors_ = {};
     for (const Pixel color : flat) exactColors_.Add(color, kMaximumColors);
 
     std::vector<WeightedColor> colors = histogram.Colors();
     palette_ = ChoosePalette(colors, flat, size);
     nearest_.emplace(palette_);
-    cells_.resize(kCells);
+    nearestOfCell_.resize(kCells);
     if (mayBeTransparent_) {
         transparentIndex_ = static_cast<std::uint8_t>(palette_.size());
         palette_.push_back(transparentColor_.value_or(kWhite));
@@ -219,24 +228,19 @@ void Quantizer::MapRow(std::span<const Pixel> row, std::span<std::uint8_t> index
     }
 }
 
-/// The nearest colour to the middle of the cell that holds the given one.
-std::uint8_t Quantizer::NearestIndex(int b, int g, int r) {
-    static const int mode = getenv("NEAR") ? atoi(getenv("NEAR")) : 6;
-    if (mode == 8) return nearest_->Find(b, g, r);
-    if (mode == 5) return nearest_->Find((b & 0xf8) + 4, (g & 0xf8) + 4, (r & 0xf8) + 4);
-    constexpr int kDrop = 8 - kCellBits;
-    std::uint16_t& cell = cells_[static_cast<std::size_t>((r >> kDrop) << (2 * kCellBits) | (g >> kDrop) << kCellBits |
-                                                          (b >> kDrop))];
-    if (cell == 0) {
-        const auto middle = [](int value) { return (value & ~3) + 2; };
-        cell = static_cast<std::uint16_t>(nearest_->Find(middle(b), middle(g), middle(r)) + 1);
+/// The entry nearest to the middle of a cell, found when it is first asked for.
+inline std::uint8_t Quantizer::NearestIndex(Pixel color) {
+    std::uint16_t& entry = nearestOfCell_[CellOf(color)];
+    if (entry == 0) [[unlikely]] {
+        const auto middle = [](int value) { return (value & ~kCellMask) + (kCellMask + 1) / 2; };
+        entry = static_cast<std::uint16_t>(
+            nearest_->Find(middle(color.b), middle(color.g), middle(color.r)) + 1);
     }
-    return static_cast<std::uint8_t>(cell - 1);
+    return static_cast<std::uint8_t>(entry - 1);
 }
 
 void Quantizer::DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes) {
-    static const int clampMode = getenv("CLAMP") ? atoi(getenv("CLAMP")) : 0;
-    const auto same = [&](std::size_t x, std::size_t y) { return y < row.size() && Bits(row[x]) == Bits(row[y]); };
+    const std::size_t last = row.size() - 1;
     diffusion_.NextRow([&](int column, ColorError sixteenths) -> ColorError {
         const auto x = static_cast<std::size_t>(column);
         const Pixel pixel = row[x];
@@ -244,27 +248,22 @@ void Quantizer::DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> i
             indexes[x] = *transparentIndex_;
             return {};
         }
-        // A flat area of a colour that the palette holds takes no error from outside, and hands none on.
-        if (same(x, x - 1) || same(x, x + 1)) {
-            const int flat = exactColors_.Find(pixel);
-            if (flat >= 0) {
+        // A flat area whose colour the palette holds takes no error from outside, and hands none on.
+        if ((x > 0 && Bits(row[x - 1]) == Bits(pixel)) || (x < last && Bits(row[x + 1]) == Bits(pixel))) {
+            if (const int flat = exactColors_.Find(pixel); flat != ExactColors::kNotFound) {
                 indexes[x] = static_cast<std::uint8_t>(flat);
                 return {};
             }
         }
-        int b = pixel.b + ((sixteenths.b + 8) >> 4);
-        int g = pixel.g + ((sixteenths.g + 8) >> 4);
-        int r = pixel.r + ((sixteenths.r + 8) >> 4);
-        const int cb = std::clamp(b, 0, 255), cg = std::clamp(g, 0, 255), cr = std::clamp(r, 0, 255);
-        if (clampMode == 0) b = cb, g = cg, r = cr;
-        const std::uint8_t index = NearestIndex(cb, cg, cr);
+        const auto corrected = [](int value, int error) { return value + ((error + 8) >> 4); };
+        const int b = corrected(pixel.b, sixteenths.b);
+        const int g = corrected(pixel.g, sixteenths.g);
+        const int r = corrected(pixel.r, sixteenths.r);
+        const std::uint8_t index = NearestIndex({Clamped(b), Clamped(g), Clamped(r), 255});
         indexes[x] = index;
+        const auto left = [](int error) { return std::clamp(error, -kErrorLimit, kErrorLimit); };
         const Pixel chosen = palette_[index];
-        if (clampMode > 1) {
-            const auto lim = [&](int e) { return std::clamp(e, -clampMode, clampMode); };
-            return {lim(b - chosen.b), lim(g - chosen.g), lim(r - chosen.r)};
-        }
-        return {b - chosen.b, g - chosen.g, r - chosen.r};
+        return {left(b - chosen.b), left(g - chosen.g), left(r - chosen.r)};
     });
 }
 

@@ -56,7 +56,7 @@ class Quantizer {
     void ChooseColors();
     void MapRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes) const;
     void DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes);
-    std::uint8_t NearestIndex(int b, int g, int r);
+    std::uint8_t NearestIndex(Pixel color);
 
     Picture picture_;
     std::optional<Pixel> transparentColor_;
@@ -70,7 +70,7 @@ class Quantizer {
     ExactColors exactColors_;  ///< all colours, or those of flat areas, which are never dithered
 
     std::optional<NearestColor> nearest_;
-    std::vector<std::uint16_t> cells_;
+    std::vector<std::uint16_t> nearestOfCell_;  ///< index + 1, 0 where not known yet
     ErrorDiffusion<ColorError> diffusion_;
 };
 

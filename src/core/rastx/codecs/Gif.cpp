@@ -342,115 +342,121 @@ Result<Picture> DecodeGif(Bytes file, const DecodeOptions& options) {
 
 namespace {
 
-/// Packs codes of changing size into sub-blocks.
-class CodeWriter {
-  public:
-    explicit CodeWriter(ByteSink& sink) : sink_(sink) { data_.reserve(kBatch + 8); }
+using Codes = std::vector<std::uint16_t>;
 
-    void Put(unsigned code, int size) {
-        bits_ |= std::uint64_t{code} << count_;
-        count_ += size;
-        if (count_ >= 32) {
-            for (int i = 0; i < 4; ++i) data_.push_back(static_cast<std::uint8_t>(bits_ >> (8 * i)));
-            bits_ >>= 32;
-            count_ -= 32;
+/// Palette indexes to LZW codes.
+class LzwEncoder {
+  public:
+    explicit LzwEncoder(int minimumCodeSize) : clear_(1u << minimumCodeSize) {}
+
+    /// Appends the codes of further indexes.
+    void Put(Bytes indexes, Codes& codes) {
+        std::size_t i = 0;
+        if (prefix_ == kNone && !indexes.empty()) {
+            Clear(codes);
+            prefix_ = indexes[i++];
         }
+        std::uint32_t prefix = prefix_;
+        for (; i < indexes.size(); ++i) {
+            const std::uint32_t key = prefix << 8 | indexes[i];
+            std::uint32_t slot = key * 2654435769u >> (32 - kSlotBits);
+            while (slots_[slot] >> kLargestCodeSize != key && slots_[slot] != kEmpty) slot = (slot + 1) % kSlots;
+            if (slots_[slot] != kEmpty) {
+                prefix = slots_[slot] % kCodes;
+                continue;
+            }
+            codes.push_back(static_cast<std::uint16_t>(prefix));
+            prefix = indexes[i];
+            slots_[slot] = key << kLargestCodeSize | next_;
+            if (++next_ == kCodes) Clear(codes);
+        }
+        prefix_ = prefix;
     }
 
-    /// Passes full sub-blocks on once enough of them are gathered.
-    Result<void> Drain() { return data_.size() < kBatch ? Result<void>() : WriteBlocks(false); }
+    void Finish(Codes& codes) {
+        codes.push_back(static_cast<std::uint16_t>(prefix_));
+        codes.push_back(static_cast<std::uint16_t>(clear_ + 1));
+    }
+
+  private:
+    // A slot holds a string (the code of its head, 12 bits, and its last index, 8 bits) and its own code in 12
+    // bits: the whole table fits into the first cache.
+    static constexpr int kSlotBits = 13;
+    static constexpr std::uint32_t kSlots = 1u << kSlotBits;
+    static constexpr std::uint32_t kEmpty = 0xffffffff;  // would begin with code 4095, which is never used
+    static constexpr std::uint32_t kNone = 0xffffffff;
+
+    void Clear(Codes& codes) {
+        slots_.fill(kEmpty);
+        codes.push_back(static_cast<std::uint16_t>(clear_));
+        next_ = clear_ + 2;
+    }
+
+    std::uint32_t clear_;
+    std::uint32_t next_ = 0;
+    std::uint32_t prefix_ = kNone;
+    std::array<std::uint32_t, kSlots> slots_;
+};
+
+/// Packs LZW codes into sub-blocks. Their sizes follow from their number since the last clear code.
+class CodeWriter {
+  public:
+    CodeWriter(int minimumCodeSize, ByteSink& sink)
+        : sink_(sink), minimumCodeSize_(minimumCodeSize), codeSize_(minimumCodeSize + 1) {}
+
+    Result<void> Put(const Codes& codes) {
+        packed_.resize(used_ + 2 * codes.size() + sizeof(std::uint32_t));
+        for (const std::uint32_t code : codes) {
+            bits_ |= std::uint64_t{code} << count_;
+            count_ += codeSize_;
+            if (count_ >= 32) Flush(4);
+            if (code == 1u << minimumCodeSize_) {
+                codeSize_ = minimumCodeSize_ + 1;
+                next_ = code + 2;
+            } else if (next_++ == 1u << codeSize_ && codeSize_ < kLargestCodeSize) {
+                ++codeSize_;
+            }
+        }
+        return used_ < kBatch ? Result<void>() : WriteFullBlocks();
+    }
 
     Result<void> Finish() {
-        for (; count_ > 0; count_ -= 8, bits_ >>= 8) data_.push_back(static_cast<std::uint8_t>(bits_));
-        TRY(WriteBlocks(true));
-        const std::uint8_t end = 0;
-        return sink_.Write({&end, 1});
+        packed_.resize(used_ + 2 * sizeof(std::uint32_t));
+        Flush(static_cast<std::size_t>(count_ + 7) / 8);
+        TRY(WriteFullBlocks());
+        ByteWriter last;
+        if (used_ > 0) last.U8(static_cast<std::uint32_t>(used_)).Append({packed_.data(), used_});
+        return sink_.Write(last.U8(0).Written());
     }
 
   private:
     static constexpr std::size_t kBlock = 255;
     static constexpr std::size_t kBatch = 256 * kBlock;
 
-    Result<void> WriteBlocks(bool all) {
-        ByteVector framed;
-        framed.reserve(data_.size() + data_.size() / kBlock + 1);
-        Bytes rest = data_;
-        while (rest.size() >= kBlock || (all && !rest.empty())) {
-            const Bytes block = Slice(rest, 0, kBlock);
-            framed.push_back(static_cast<std::uint8_t>(block.size()));
-            framed.insert(framed.end(), block.begin(), block.end());
-            rest = rest.subspan(block.size());
-        }
-        data_.erase(data_.begin(), data_.end() - static_cast<std::ptrdiff_t>(rest.size()));
-        return sink_.Write(framed);
+    void Flush(std::size_t bytes) {
+        for (std::size_t i = 0; i < 4; ++i) packed_[used_ + i] = static_cast<std::uint8_t>(bits_ >> (8 * i));
+        used_ += bytes;
+        bits_ >>= 32;
+        count_ -= 32;
+    }
+
+    Result<void> WriteFullBlocks() {
+        ByteWriter framed;
+        Bytes rest(packed_.data(), used_);
+        for (; rest.size() >= kBlock; rest = rest.subspan(kBlock)) framed.U8(kBlock).Append(rest.first(kBlock));
+        std::copy(rest.begin(), rest.end(), packed_.begin());
+        used_ = rest.size();
+        return sink_.Write(framed.Written());
     }
 
     ByteSink& sink_;
-    ByteVector data_;
+    int minimumCodeSize_;
+    int codeSize_;
+    std::uint32_t next_ = 0;
     std::uint64_t bits_ = 0;
     int count_ = 0;
-};
-
-/// Palette indexes to LZW codes.
-class LzwEncoder {
-  public:
-    LzwEncoder(int minimumCodeSize, CodeWriter& codes) : minimumCodeSize_(minimumCodeSize), codes_(codes) {
-        codeSize_ = minimumCodeSize_ + 1;
-        Clear();
-    }
-
-    void Put(Bytes indexes) {
-        if (indexes.empty()) return;
-        std::size_t i = 0;
-        if (prefix_ == kNone) prefix_ = indexes[i++];
-        for (; i < indexes.size(); ++i) {
-            const std::uint32_t key = prefix_ << 8 | indexes[i];
-            std::uint32_t slot = key * 2654435769u >> (32 - kSlotBits);
-            while (slots_[slot] != kEmpty && slots_[slot] >> kLargestCodeSize != key)
-                slot = (slot + 1) % kSlots;
-            if (slots_[slot] != kEmpty) {
-                prefix_ = slots_[slot] % kCodes;
-                continue;
-            }
-            slots_[slot] = key << kLargestCodeSize | next_;
-            PutPrefix();
-            if (next_ == kCodes) Clear();
-            prefix_ = indexes[i];
-        }
-    }
-
-    void Finish() {
-        if (prefix_ != kNone) PutPrefix();
-        codes_.Put((1u << minimumCodeSize_) + 1, codeSize_);
-    }
-
-  private:
-    // A slot holds a string (the code of its head, 12 bits, and its last index, 8 bits) and its own code in 12 bits:
-    // the whole table fits in the first cache.
-    static constexpr int kSlotBits = 13;
-    static constexpr std::uint32_t kSlots = 1u << kSlotBits;
-    static constexpr std::uint32_t kEmpty = 0xffffffff;  // no string begins with code 4095: it is never used
-    static constexpr std::uint32_t kNone = 0xffffffff;
-
-    void PutPrefix() {
-        codes_.Put(prefix_, codeSize_);
-        if (next_ == 1u << codeSize_ && codeSize_ < kLargestCodeSize) ++codeSize_;
-        ++next_;
-    }
-
-    void Clear() {
-        slots_.fill(kEmpty);
-        codes_.Put(1u << minimumCodeSize_, codeSize_);
-        codeSize_ = minimumCodeSize_ + 1;
-        next_ = (1u << minimumCodeSize_) + 2;
-    }
-
-    int minimumCodeSize_;
-    CodeWriter& codes_;
-    int codeSize_ = 0;
-    std::uint32_t next_ = 0;
-    std::uint32_t prefix_ = kNone;
-    std::array<std::uint32_t, kSlots> slots_;
+    ByteVector packed_;
+    std::size_t used_ = 0;
 };
 
 ByteVector Header(const Picture& picture, const Quantizer& quantizer, int bits) {
@@ -477,16 +483,19 @@ Result<void> EncodeGif(const Picture& picture, const EncodeOptions& options, Byt
     TRY(sink.Write(Header(picture, quantizer, bits)));
     TRY(sink.Write(ByteWriter().U8(static_cast<unsigned>(minimumCodeSize)).Written()));
 
-    CodeWriter codes(sink);
-    LzwEncoder encoder(minimumCodeSize, codes);
+    CodeWriter writer(minimumCodeSize, sink);
+    LzwEncoder encoder(minimumCodeSize);
     ByteVector indexes(static_cast<std::size_t>(picture.Width()));
+    Codes codes;
     for (int y = 0; y < picture.Height(); ++y) {
         quantizer.NextRow(indexes);
-        encoder.Put(indexes);
-        TRY(codes.Drain());
+        encoder.Put(indexes, codes);
+        TRY(writer.Put(codes));
+        codes.clear();
     }
-    encoder.Finish();
-    TRY(codes.Finish());
+    encoder.Finish(codes);
+    TRY(writer.Put(codes));
+    TRY(writer.Finish());
     return sink.Write(ByteWriter().U8(kTrailer).Written());
 }
 
