@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "core/Multiversion.h"
+#include "core/rastx/codecs/TifLzw.h"
 
 namespace tessara {
 namespace {
@@ -83,12 +84,14 @@ Bytes TifChunkReader::Stored(std::uint32_t index) const {
     return Slice(file_.File(), offset, TIFFGetStrileByteCount(file_.Handle(), index));
 }
 
-bool TifChunkReader::InflatesHere() const {
-    if (layout_.compression != COMPRESSION_ADOBE_DEFLATE && layout_.compression != COMPRESSION_DEFLATE)
-        return false;
-    if (layout_.reversed || layout_.Blocks()) return false;
+bool TifChunkReader::UnpacksHere(Bytes stored) const {
+    const bool deflate =
+        layout_.compression == COMPRESSION_ADOBE_DEFLATE || layout_.compression == COMPRESSION_DEFLATE;
+    const bool lzw = layout_.compression == COMPRESSION_LZW && !IsOldTifLzw(stored);
+    if (!(deflate || lzw) || layout_.reversed) return false;
     return layout_.predictor == PREDICTOR_NONE ||
-           (layout_.predictor == PREDICTOR_HORIZONTAL && (layout_.bits == 8 || layout_.bits == 16));
+           (layout_.predictor == PREDICTOR_HORIZONTAL && !layout_.Blocks() &&
+            (layout_.bits == 8 || layout_.bits == 16));
 }
 
 TifChunk TifChunkReader::Read(std::uint32_t index, std::uint32_t lines) {
@@ -96,20 +99,16 @@ TifChunk TifChunkReader::Read(std::uint32_t index, std::uint32_t lines) {
     // Old-style JPEG keeps its tables and sometimes its data elsewhere; libtiff knows where.
     if (stored.empty() && layout_.compression != COMPRESSION_OJPEG) return {};
     if (layout_.compression == COMPRESSION_NONE && !layout_.reversed) {
-        const auto whole =
-            static_cast<std::uint32_t>(std::min<std::uint64_t>(lines, stored.size() / bytesPerLine_));
-        return {stored, whole, layout_.swapped};
+        const std::uint64_t whole = std::min<std::uint64_t>(lines, stored.size() / bytesPerLine_);
+        return {stored, static_cast<std::uint32_t>(whole), layout_.swapped};
     }
-    return InflatesHere() ? Inflate(stored, lines) : ReadWithLibtiff(index, stored, lines);
+    return UnpacksHere(stored) ? Unpack(stored, lines) : ReadWithLibtiff(index, stored, lines);
 }
 
-TifChunk TifChunkReader::Inflate(Bytes stored, std::uint32_t lines) {
+TifChunk TifChunkReader::Unpack(Bytes stored, std::uint32_t lines) {
     const std::span<std::uint8_t> target = Unpacked(lines);
-    if (!decompressor_) decompressor_.reset(libdeflate_alloc_decompressor());
-    std::size_t unpacked = 0;
-    if (libdeflate_zlib_decompress(decompressor_.get(), stored.data(), stored.size(), target.data(),
-                                   target.size(), &unpacked) != LIBDEFLATE_SUCCESS)
-        unpacked = InflateLeniently(stored, target);
+    const std::size_t unpacked =
+        layout_.compression == COMPRESSION_LZW ? UnpackTifLzw(stored, target) : Inflate(stored, target);
     TifChunk chunk{target, static_cast<std::uint32_t>(unpacked / bytesPerLine_), layout_.swapped};
     if (layout_.predictor == PREDICTOR_NONE) return chunk;
 
@@ -119,6 +118,16 @@ TifChunk TifChunkReader::Inflate(Bytes stored, std::uint32_t lines) {
     for (std::uint32_t line = 0; line < chunk.lines; ++line)
         UndoPrediction(target.subspan(line * bytesPerLine_, bytesPerLine_), layout_.bits, stride);
     return chunk;
+}
+
+std::size_t TifChunkReader::Inflate(Bytes stored, std::span<std::uint8_t> target) {
+    if (!decompressor_) decompressor_.reset(libdeflate_alloc_decompressor());
+    std::size_t unpacked = 0;
+    if (decompressor_ &&
+        libdeflate_zlib_decompress(decompressor_.get(), stored.data(), stored.size(), target.data(),
+                                   target.size(), &unpacked) == LIBDEFLATE_SUCCESS)
+        return unpacked;
+    return InflateLeniently(stored, target);
 }
 
 TifChunk TifChunkReader::ReadWithLibtiff(std::uint32_t index, Bytes stored, std::uint32_t lines) {

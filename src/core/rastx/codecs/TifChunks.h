@@ -40,8 +40,9 @@ class TifChunkReader {
     };
 
     Bytes Stored(std::uint32_t index) const;
-    bool InflatesHere() const;
-    TifChunk Inflate(Bytes stored, std::uint32_t lines);
+    bool UnpacksHere(Bytes stored) const;
+    TifChunk Unpack(Bytes stored, std::uint32_t lines);
+    std::size_t Inflate(Bytes stored, std::span<std::uint8_t> target);
     TifChunk ReadWithLibtiff(std::uint32_t index, Bytes stored, std::uint32_t lines);
     bool DecodeWithLibtiff(std::uint32_t index, Bytes stored, std::uint32_t lines);
     std::span<std::uint8_t> Unpacked(std::uint32_t lines);

@@ -23,22 +23,31 @@ std::optional<SampleColors> ProfileColors(int photometric) {
     }
 }
 
-bool KnownPhotometric(int photometric) {
-    return photometric == PHOTOMETRIC_MASK || photometric == PHOTOMETRIC_CIELAB ||
-           photometric == PHOTOMETRIC_ICCLAB || ProfileColors(photometric);
+bool IsLab(int photometric) {
+    return photometric == PHOTOMETRIC_CIELAB || photometric == PHOTOMETRIC_ICCLAB;
 }
 
+bool KnownPhotometric(int photometric) {
+    return photometric == PHOTOMETRIC_MASK || IsLab(photometric) || ProfileColors(photometric);
+}
+
+/// Floating point Lab is unpacked as the range -128 to 128 for all three.
+constexpr double kLabRange = 128;
+
 /// Lab by the rules of TIFF 6.0, section 23, and of its supplement for ICC profiles.
-Pixel LabFromSamples(int photometric, int bits, std::uint16_t lightness, std::uint16_t a, std::uint16_t b) {
-    // 16 bits of ICC Lab reach 100 at 0xff00, and all that was widened from 8 bits at 0xffff.
-    const bool icc = photometric == PHOTOMETRIC_ICCLAB;
-    const double top = icc && bits > 8 ? 65280 : 65535;
-    const auto axis = [&](std::uint16_t sample) -> double {
-        const double scale = bits > 8 ? 256 : 257;
-        if (icc) return sample / scale - 128;
-        return bits > 8 ? static_cast<std::int16_t>(sample) / scale : static_cast<std::int8_t>(sample >> 8);
+Pixel LabFromSamples(const TifLayout& layout, std::uint16_t lightness, std::uint16_t a, std::uint16_t b) {
+    const bool icc = layout.photometric == PHOTOMETRIC_ICCLAB;
+    const bool wide = layout.bits > 8;
+    if (layout.format == SAMPLEFORMAT_IEEEFP) {
+        const auto value = [](std::uint16_t sample) { return sample * (2 * kLabRange / 65535) - kLabRange; };
+        return LabToPixel(value(lightness), value(a), value(b));
+    }
+    const auto axis = [=](std::uint16_t sample) -> double {
+        if (icc) return sample / (wide ? 256.0 : 257.0) - 128;
+        return wide ? static_cast<std::int16_t>(sample) / 256.0 : static_cast<std::int8_t>(sample >> 8);
     };
-    return LabToPixel(lightness * 100 / top, axis(a), axis(b));
+    // 16 bits of ICC Lab reach 100 at 0xff00, and all that was widened from 8 bits at 0xffff.
+    return LabToPixel(lightness * 100 / (icc && wide ? 65280.0 : 65535.0), axis(a), axis(b));
 }
 
 }  // namespace
@@ -60,27 +69,31 @@ std::optional<TifColors> TifColors::For(const TifFile& file) {
 }
 
 TifSampleType TifColors::SampleType(bool swapped) const {
-    const bool lab = layout_.photometric == PHOTOMETRIC_CIELAB || layout_.photometric == PHOTOMETRIC_ICCLAB;
-    const auto kind = layout_.photometric == PHOTOMETRIC_PALETTE   ? TifSampleKind::Index
-                      : layout_.format == SAMPLEFORMAT_IEEEFP      ? TifSampleKind::Float
-                      : layout_.format == SAMPLEFORMAT_INT && !lab ? TifSampleKind::Signed
-                                                                   : TifSampleKind::Unsigned;
-    return {layout_.bits, kind, swapped};
+    const bool lab = IsLab(layout_.photometric);
+    TifSampleType type{layout_.bits, TifSampleKind::Unsigned, swapped};
+    if (layout_.photometric == PHOTOMETRIC_PALETTE) {
+        type.kind = TifSampleKind::Index;
+    } else if (layout_.format == SAMPLEFORMAT_IEEEFP) {
+        type.kind = TifSampleKind::Float;
+        if (lab) type.low = -kLabRange, type.high = kLabRange;
+    } else if (layout_.format == SAMPLEFORMAT_INT && !lab) {
+        type.kind = TifSampleKind::Signed;
+    }
+    return type;
 }
 
 TifColors::Route TifColors::ChooseRoute() const {
     const TifLayout& layout = layout_;
     const TifSampleType type = SampleType(false);
-    const bool lab = layout.photometric == PHOTOMETRIC_CIELAB || layout.photometric == PHOTOMETRIC_ICCLAB;
     if (!KnownPhotometric(layout.photometric) || !CanUnpackTifSamples(type)) return Route::Unknown;
-    if (layout.samples < layout.Colors() || (lab && type.kind == TifSampleKind::Float)) return Route::Unknown;
+    if (layout.samples < layout.Colors()) return Route::Unknown;
     if (layout.blockWidth * layout.blockHeight > 1 && !layout.Blocks()) return Route::Unknown;
     if (layout.Blocks() && layout.bits == 8) return Route::Blocks;
     if (layout.Blocks() && layout.blockWidth * layout.blockHeight > 1) return Route::Unknown;
 
     const bool whole = layout.format == SAMPLEFORMAT_UINT || layout.format == SAMPLEFORMAT_VOID;
     if (!whole) return Route::Wide;
-    if (layout.samples == 1 && layout.bits <= 8 && !lab) return Route::Indexed;
+    if (layout.samples == 1 && layout.bits <= 8 && !IsLab(layout.photometric)) return Route::Indexed;
     if (layout.bits != 8 || layout.planar) return Route::Wide;
     if (layout.photometric == PHOTOMETRIC_RGB && layout.samples == 3) return Route::Rgb;
     if (layout.photometric == PHOTOMETRIC_RGB && layout.samples == 4 && HasAlpha()) return Route::Rgba;
@@ -110,13 +123,16 @@ void TifColors::MakePalette(TIFF* handle) {
         std::uint16_t* green = nullptr;
         std::uint16_t* blue = nullptr;
         if (!TIFFGetField(handle, TIFFTAG_COLORMAP, &red, &green, &blue) || !red || !green || !blue) return;
-        const auto small = [count](const std::uint16_t* map) {
-            return std::all_of(map, map + count, [](std::uint16_t value) { return value < 256; });
+        const auto all = [&](auto holds) {
+            return std::all_of(red, red + count, holds) && std::all_of(green, green + count, holds) &&
+                   std::all_of(blue, blue + count, holds);
         };
-        // The range is 0 to 65535, but quite a few writers believed in 0 to 255.
-        const bool bytes = small(red) && small(green) && small(blue);
-        const auto narrow = [bytes](std::uint16_t value) {
-            return bytes ? static_cast<std::uint8_t>(value) : Narrow16(value);
+        // The range is 0 to 65535. Quite a few writers believed in 0 to 255, others leave the lower half of
+        // each number empty: 0xff00 is meant to be white, too.
+        const bool lowOnly = all([](std::uint16_t value) { return value <= 0xff; });
+        const bool highOnly = all([](std::uint16_t value) { return (value & 0xff) == 0; });
+        const auto narrow = [=](std::uint16_t value) {
+            return static_cast<std::uint8_t>(lowOnly ? value : highOnly ? value >> 8 : Narrow16(value));
         };
         for (std::size_t i = 0; i < count; ++i)
             palette_.push_back({narrow(blue[i]), narrow(green[i]), narrow(red[i]), 255});
@@ -126,7 +142,7 @@ void TifColors::MakePalette(TIFF* handle) {
             palette_.push_back(Grey(ScaleTo8Bits(darkIsHigh_ ? maximum - i : i, maximum)));
         plainGreys_ = layout_.bits == 8 && !darkIsHigh_ && !profile_;
     }
-    if (profile_) profile_->ConvertPixels(palette_);
+    if (profile_ && !palette_.empty()) profile_->ConvertPixels(palette_);
 }
 
 void TifColors::MakeYCbCr(TIFF* handle) {
@@ -264,10 +280,11 @@ void TifColors::WideInksToPixels(std::span<Pixel> pixels) {
 
 void TifColors::WideLabToPixels(std::span<Pixel> pixels) const {
     const bool colored = layout_.Colors() == 3;
-    const std::uint16_t neutral = layout_.photometric == PHOTOMETRIC_ICCLAB ? 0x8000 : 0;
+    const bool centred = layout_.photometric == PHOTOMETRIC_ICCLAB || layout_.format == SAMPLEFORMAT_IEEEFP;
+    const std::uint16_t neutral = centred ? 0x8000 : 0;
     for (std::size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = LabFromSamples(layout_.photometric, layout_.bits, channels_[0][i],
-                                   colored ? channels_[1][i] : neutral, colored ? channels_[2][i] : neutral);
+        pixels[i] = LabFromSamples(layout_, channels_[0][i], colored ? channels_[1][i] : neutral,
+                                   colored ? channels_[2][i] : neutral);
 }
 
 }  // namespace tessara

@@ -11,11 +11,6 @@
 namespace tessara {
 namespace {
 
-constexpr std::uint16_t FromUnit(double value) {
-    // A comparison with no number is false, which makes it black.
-    return value > 0 ? static_cast<std::uint16_t>(std::min(value, 1.0) * 65535 + 0.5) : std::uint16_t{0};
-}
-
 /// A floating point number of fewer bits than a float: sign, exponent, fraction.
 double SmallFloat(std::uint32_t bits, int exponentBits, int fractionBits) {
     const std::uint32_t fraction = bits & ((1u << fractionBits) - 1);
@@ -99,22 +94,29 @@ void UnpackIntegers(Bytes packed, TifSampleType type, std::span<std::uint16_t> s
 }
 
 void UnpackFloats(Bytes packed, TifSampleType type, std::span<std::uint16_t> samples) {
+    const double scale = 65535 / (type.high - type.low);
+    const auto fromRange = [=, low = type.low](double value) {
+        const double scaled = (value - low) * scale;
+        // A comparison with no number is false, which makes it black.
+        return scaled > 0 ? static_cast<std::uint16_t>(std::min(scaled, 65535.0) + 0.5) : std::uint16_t{0};
+    };
     switch (type.bits) {
         case 16:
-            return UnpackWhole<2>(packed, type.swapped, samples, [](std::uint64_t value) {
-                return FromUnit(SmallFloat(static_cast<std::uint32_t>(value), 5, 10));
+            return UnpackWhole<2>(packed, type.swapped, samples, [=](std::uint64_t value) {
+                return fromRange(SmallFloat(static_cast<std::uint32_t>(value), 5, 10));
             });
         case 24:
-            return UnpackWhole<3>(packed, type.swapped, samples, [](std::uint64_t value) {
-                return FromUnit(SmallFloat(static_cast<std::uint32_t>(value), 7, 16));
+            return UnpackWhole<3>(packed, type.swapped, samples, [=](std::uint64_t value) {
+                return fromRange(SmallFloat(static_cast<std::uint32_t>(value), 7, 16));
             });
         case 32:
-            return UnpackWhole<4>(packed, type.swapped, samples, [](std::uint64_t value) {
-                return FromUnit(std::bit_cast<float>(static_cast<std::uint32_t>(value)));
+            return UnpackWhole<4>(packed, type.swapped, samples, [=](std::uint64_t value) {
+                return fromRange(std::bit_cast<float>(static_cast<std::uint32_t>(value)));
             });
         default:
-            return UnpackWhole<8>(packed, type.swapped, samples,
-                                  [](std::uint64_t value) { return FromUnit(std::bit_cast<double>(value)); });
+            return UnpackWhole<8>(packed, type.swapped, samples, [=](std::uint64_t value) {
+                return fromRange(std::bit_cast<double>(value));
+            });
     }
 }
 

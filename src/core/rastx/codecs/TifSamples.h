@@ -15,6 +15,7 @@ struct TifSampleType {
     int bits = 8;
     TifSampleKind kind = TifSampleKind::Unsigned;
     bool swapped = false;
+    double low = 0, high = 1;  ///< the range of floating point samples
 };
 
 /// Whether UnpackTifSamples knows samples of this kind and size.
