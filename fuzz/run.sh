@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Fuzzes every codec: fuzz/run.sh [seconds per codec] [codec ...]
+# Fuzzes every codec, as many at once as there are processors: fuzz/run.sh [seconds per codec] [codec ...]
 # Seeds are the sample pictures beside the project. Findings and the grown corpus stay in build/fuzz/.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -30,9 +30,10 @@ fuzz_one() {
         "$(find "$work/$codec" -maxdepth 1 -name '*-*' | wc -l)"
 }
 
+export -f fuzz_one
+export work samples seconds
 build/fuzz/bin/tessara_fuzz_list | while read -r codec extensions; do
     [[ -x build/fuzz/bin/tessara_fuzz_$codec ]] || { echo "$codec: no fuzz target" >&2; exit 1; }
     [[ $# -eq 0 || " $* " == *" $codec "* ]] || continue
-    # shellcheck disable=SC2086
-    fuzz_one "$codec" $extensions </dev/null
-done
+    echo "$codec $extensions"
+done | xargs -P "$(nproc)" -I{} bash -c 'fuzz_one {}'
