@@ -43,24 +43,30 @@ QImage Part(QImage& image, const QRect& pixels) {
     return {first, pixels.width(), pixels.height(), image.bytesPerLine(), image.format()};
 }
 
-/// A rectangle with edges between pixels, so that smooth scaling and its neighbours meet without a seam.
-QTransform Snapped(const QTransform& toDevice, const QSize& size) {
-    const QRect target = SnapToPixels(toDevice.mapRect(QRectF(QPointF(0, 0), size)));
-    const bool mirroredX = toDevice.m11() < 0;
-    const bool mirroredY = toDevice.m22() < 0;
-    const double scaleX = static_cast<double>(target.width()) / size.width();
-    const double scaleY = static_cast<double>(target.height()) / size.height();
-    return {mirroredX ? -scaleX : scaleX,
-            0,
-            0,
-            mirroredY ? -scaleY : scaleY,
-            static_cast<double>(mirroredX ? target.x() + target.width() : target.x()),
-            static_cast<double>(mirroredY ? target.y() + target.height() : target.y())};
-}
+/// An image turned and mirrored so that it only has to be scaled to reach its place. Edges lie between
+/// pixels, so that neighbours meet without a seam.
+struct UprightImage {
+    QImage image;
+    QRect target;
 
-/// The transform with the image's edges between pixels, where it keeps them upright.
-QTransform Aligned(const QTransform& toDevice, const QSize& size) {
-    return KeepsAxes(toDevice) && toDevice.m11() != 0 && toDevice.m22() != 0 ? Snapped(toDevice, size) : toDevice;
+    /// From the pixels of the image to those of the picture.
+    QTransform ToDevice() const {
+        return {static_cast<double>(target.width()) / image.width(),
+                0,
+                0,
+                static_cast<double>(target.height()) / image.height(),
+                static_cast<double>(target.x()),
+                static_cast<double>(target.y())};
+    }
+};
+
+UprightImage Upright(const QImage& image, const QTransform& toDevice) {
+    const QRect target = SnapToPixels(toDevice.mapRect(QRectF(image.rect())));
+    const bool turned = std::abs(toDevice.m11()) < std::abs(toDevice.m12());
+    const QImage straight = turned ? image.transformed(QTransform(0, 1, 1, 0, 0, 0)) : image;
+    const bool mirroredX = (turned ? toDevice.m21() : toDevice.m11()) < 0;
+    const bool mirroredY = (turned ? toDevice.m12() : toDevice.m22()) < 0;
+    return {mirroredX || mirroredY ? straight.mirrored(mirroredX, mirroredY) : straight, target};
 }
 
 /// Shrinks an image to the size that it is drawn at, by averaging: interpolation alone would leave out rows.
@@ -78,7 +84,8 @@ QImage Shrunk(const QImage& image, QTransform& toDevice) {
     return image.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
 }
 
-/// The pixels under those that `pixels` covers, each taken from the image's nearest; transparent outside of it.
+/// The pixels under those that `pixels` covers, each taken from the image's nearest; transparent outside of
+/// it.
 QImage Sampled(const QImage& image, const QTransform& toDevice, const QRect& pixels) {
     QImage sampled(pixels.size(), QImage::Format_ARGB32_Premultiplied);
     if (sampled.isNull()) return sampled;
@@ -115,9 +122,9 @@ void Flood(const QImage& image, QPoint start, QImage& flooded, const Floods& flo
         int right = seed.x() + 1;
         while (left > 0 && open(left - 1, y)) --left;
         while (right < image.width() && open(right, y)) ++right;
-        std::ranges::fill(RowOf(flooded, y).subspan(static_cast<std::size_t>(left),
-                                                    static_cast<std::size_t>(right - left)),
-                          kOpaqueBlack);
+        std::ranges::fill(
+            RowOf(flooded, y).subspan(static_cast<std::size_t>(left), static_cast<std::size_t>(right - left)),
+            kOpaqueBlack);
         for (const int next : {y - 1, y + 1}) {
             if (next < 0 || next >= image.height()) continue;
             for (int x = left; x < right; ++x)
@@ -173,9 +180,9 @@ QImage Canvas::Layer(const QRect& pixels, const Draw& draw) const {
 void Canvas::Combine(const QRect& pixels, const QImage& pattern, const QImage& source, const QImage& coverage,
                      RasterOperation operation) {
     for (int y = 0; y < pixels.height(); ++y) {
-        const auto row = RowOf(image_, pixels.y() + y)
-                             .subspan(static_cast<std::size_t>(pixels.x()),
-                                      static_cast<std::size_t>(pixels.width()));
+        const auto row =
+            RowOf(image_, pixels.y() + y)
+                .subspan(static_cast<std::size_t>(pixels.x()), static_cast<std::size_t>(pixels.width()));
         operation.CombineRow(RowOf(pattern, y), RowOf(source, y), RowOf(coverage, y), row);
     }
 }
@@ -207,7 +214,8 @@ void Canvas::FillWithin(const QRect& pixels, const QPainterPath& path, const QBr
 void Canvas::Stroke(const QPainterPath& path, const QPen& pen, RasterOperation operation) {
     if (path.isEmpty() || pen.style() == Qt::NoPen || operation.Nothing()) return;
     const double margin = pen.widthF() * std::max(1.0, pen.miterLimit()) + 2;
-    const QRectF bounds = path.controlPointRect().adjusted(-pen.widthF(), -pen.widthF(), pen.widthF(), pen.widthF());
+    const QRectF bounds =
+        path.controlPointRect().adjusted(-pen.widthF(), -pen.widthF(), pen.widthF(), pen.widthF());
     if (Touch(bounds).isEmpty()) return;
     const QRectF near = Surroundings(std::min(margin, 2.0 * std::max(area_.width(), area_.height()) + 2));
     double work = kCall + 2 * kPerLength * LengthWithin(path, near);
@@ -224,37 +232,57 @@ void Canvas::Stroke(const QPainterPath& path, const QPen& pen, RasterOperation o
 }
 
 void Canvas::DrawImage(const QImage& image, const QTransform& toDevice, double opacity) {
-    QTransform transform = Aligned(toDevice, image.size());
-    const QRectF target = transform.mapRect(QRectF(image.rect()));
-    const QRect pixels = Touch(target);
-    if (pixels.isEmpty() || !budget_.Spend(kCall + kPerSmoothPixel * AreaOf(pixels) + AreaOf(image.rect()))) return;
+    const bool upright = KeepsAxes(toDevice);
+    const QRectF target = toDevice.mapRect(QRectF(image.rect()));
+    const QRect pixels = Touch(upright ? QRectF(SnapToPixels(target)) : target);
+    if (pixels.isEmpty() || !budget_.Spend(kCall + kPerSmoothPixel * AreaOf(pixels) + AreaOf(image.rect())))
+        return;
     painter_->save();
     painter_->setOpacity(opacity);
-    if (kPainterRange.contains(target)) {
+    if (!kPainterRange.contains(target)) {
+        painter_->drawImage(pixels.topLeft(), Sampled(image, toDevice, pixels));
+    } else if (upright) {
+        DrawUpright(image, toDevice, pixels);
+    } else {
+        QTransform transform = toDevice;
         const QImage shrunk = Shrunk(image, transform);
         painter_->setTransform(transform);
-        painter_->setRenderHint(QPainter::SmoothPixmapTransform, transform.type() > QTransform::TxTranslate);
+        painter_->setRenderHint(QPainter::SmoothPixmapTransform);
         painter_->drawImage(0, 0, shrunk);
-    } else {
-        painter_->drawImage(pixels.topLeft(), Sampled(image, transform, pixels));
     }
     painter_->restore();
+}
+
+void Canvas::DrawUpright(const QImage& image, const QTransform& toDevice, const QRect& pixels) {
+    constexpr double kMostlyHidden = 16;  // then the hidden pixels are not worth their scaling
+    const UprightImage upright = Upright(image, toDevice);
+    if (AreaOf(upright.target) > kMostlyHidden * AreaOf(pixels) + AreaOf(image.rect())) {
+        painter_->drawImage(pixels.topLeft(), Sampled(upright.image, upright.ToDevice(), pixels));
+        return;
+    }
+    const bool same = upright.target.size() == upright.image.size();
+    painter_->drawImage(
+        upright.target.topLeft(),
+        same ? upright.image
+             : upright.image.scaled(upright.target.size(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
 }
 
 void Canvas::CombineImage(const QImage& image, const QTransform& toDevice, const QBrush& pattern,
                           RasterOperation operation) {
     if (operation.Nothing()) return;
-    const QTransform transform = Aligned(toDevice, image.size());
-    const QRect pixels = Touch(transform.mapRect(QRectF(image.rect())));
+    const bool snaps = KeepsAxes(toDevice);
+    const UprightImage upright = snaps ? Upright(image, toDevice) : UprightImage{image, {}};
+    const QTransform transform = snaps ? upright.ToDevice() : toDevice;
+    const QRect pixels = Touch(transform.mapRect(QRectF(upright.image.rect())));
     if (pixels.isEmpty() || !budget_.Spend(kCall + 2 * kPerLayerPixel * AreaOf(pixels))) return;
-    const QImage sampled = Sampled(image, transform, pixels);
+    const QImage sampled = Sampled(upright.image, transform, pixels);
     const QImage source = Layer(pixels, [&](QPainter& painter) {
         clip_.ApplyTo(painter);
         painter.drawImage(pixels.topLeft(), sampled);
     });
-    const QImage brush =
-        operation.NeedsPattern() ? Layer(pixels, [&](QPainter& painter) { painter.fillRect(pixels, pattern); })
-                                 : source;
+    const QImage brush = operation.NeedsPattern()
+                             ? Layer(pixels, [&](QPainter& painter) { painter.fillRect(pixels, pattern); })
+                             : source;
     if (!source.isNull() && !brush.isNull()) Combine(pixels, brush, source, source, operation);
 }
 
@@ -295,9 +323,8 @@ void Canvas::FloodFill(QPoint start, const QBrush& brush, std::optional<QRgb> bo
     if (flooded.isNull()) return;
     flooded.fill(Qt::transparent);
     const std::uint32_t wanted = (border ? *border : image_.pixel(start)) & kColorBits;
-    Flood(Part(image_, clipBounds_), start - clipBounds_.topLeft(), flooded, [&](std::uint32_t pixel) {
-        return ((pixel & kColorBits) == wanted) != border.has_value();
-    });
+    Flood(Part(image_, clipBounds_), start - clipBounds_.topLeft(), flooded,
+          [&](std::uint32_t pixel) { return ((pixel & kColorBits) == wanted) != border.has_value(); });
     QPainter painter(&flooded);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
     painter.translate(-clipBounds_.topLeft());

@@ -62,6 +62,7 @@ class Canvas {
     QRectF Surroundings(double margin) const;
     void FillWithin(const QRect& pixels, const QPainterPath& path, const QBrush& brush,
                     RasterOperation operation);
+    void DrawUpright(const QImage& image, const QTransform& toDevice, const QRect& pixels);
     /// Draws on transparent pixels of the size of `pixels`, with coordinates of the picture.
     QImage Layer(const QRect& pixels, const Draw& draw) const;
     void Combine(const QRect& pixels, const QImage& pattern, const QImage& source, const QImage& coverage,

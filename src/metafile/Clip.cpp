@@ -1,6 +1,5 @@
 #include "metafile/Clip.h"
 
-#include <QBitmap>
 #include <algorithm>
 #include <cmath>
 #include <span>
@@ -12,11 +11,12 @@ namespace {
 
 constexpr qsizetype kMostPaths = 8;
 constexpr int kMostBoxes = 50000;
+constexpr int kTallestPicture = 65535;
 constexpr std::size_t kMostRegionBoxes = 2048;
 
 QRegion PixelsOf(const QPainterPath& path, const QRect& area) {
-    QRegion pixels;
-    // Even-odd and winding polygons of several parts: each fill rule needs all parts in one polygon.
+    // While a drawing is measured there are no pixels, but an area too large to walk through its rows.
+    if (area.height() > kTallestPicture) return path.boundingRect().toAlignedRect() & area;
     const QPainterPath cut = CutArea(path, QRectF(area).adjusted(-1, -1, 1, 1));
     return QRegion(cut.toFillPolygon().toPolygon(), path.fillRule()) & area;
 }
@@ -31,11 +31,21 @@ QRegion UnionOf(std::span<const QRect> boxes, const QRect& area) {
 
 void Clip::Combine(const QRegion& region, ClipMode mode) {
     switch (mode) {
-        case ClipMode::And: region_ &= region; break;
-        case ClipMode::Difference: region_ -= region; break;
-        case ClipMode::Or: region_ = Flattened() + region; break;
-        case ClipMode::Xor: region_ = Flattened() ^ region; break;
-        case ClipMode::Copy: region_ = region & area_; break;
+        case ClipMode::And:
+            region_ &= region;
+            break;
+        case ClipMode::Difference:
+            region_ -= region;
+            break;
+        case ClipMode::Or:
+            region_ = Flattened() + region;
+            break;
+        case ClipMode::Xor:
+            region_ = Flattened() ^ region;
+            break;
+        case ClipMode::Copy:
+            region_ = region & area_;
+            break;
     }
     if (mode != ClipMode::And && mode != ClipMode::Difference) paths_.clear();
     LimitComplexity();
@@ -54,7 +64,9 @@ void Clip::Combine(const QPainterPath& path, ClipMode mode) {
 }
 
 void Clip::Translate(QPointF by) {
-    const auto whole = [](double value) { return static_cast<int>(std::lround(std::clamp(value, -1e6, 1e6))); };
+    const auto whole = [](double value) {
+        return static_cast<int>(std::lround(std::clamp(value, -1e6, 1e6)));
+    };
     region_.translate(whole(by.x()), whole(by.y()));
     region_ &= area_;
     for (QPainterPath& path : paths_) path.translate(by);

@@ -14,9 +14,9 @@ struct Charset {
 
 constexpr const char* kWestern = "CP1252";
 constexpr Charset kCharsets[] = {
-    {0, kWestern},  {1, kWestern},  {77, "MACINTOSH"}, {128, "CP932"}, {129, "CP949"}, {130, "JOHAB"},
-    {134, "CP936"}, {136, "CP950"}, {161, "CP1253"},   {162, "CP1254"}, {163, "CP1258"}, {177, "CP1255"},
-    {178, "CP1256"}, {186, "CP1257"}, {204, "CP1251"}, {222, "CP874"}, {238, "CP1250"}, {255, "CP437"},
+    {0, kWestern},   {1, kWestern},   {77, "MACINTOSH"}, {128, "CP932"},  {129, "CP949"},  {130, "JOHAB"},
+    {134, "CP936"},  {136, "CP950"},  {161, "CP1253"},   {162, "CP1254"}, {163, "CP1258"}, {177, "CP1255"},
+    {178, "CP1256"}, {186, "CP1257"}, {204, "CP1251"},   {222, "CP874"},  {238, "CP1250"}, {255, "CP437"},
 };
 
 class Converter {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <QString>
 #include <iconv.h>
+#include <QString>
 #include <vector>
 
 #include "core/Bytes.h"

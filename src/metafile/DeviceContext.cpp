@@ -11,12 +11,18 @@ constexpr std::size_t kMostSavedStates = 1000;
 /// Millimetres of a logical unit, for the modes that fix it.
 double UnitOf(MapMode mode) {
     switch (mode) {
-        case MapMode::LowMetric: return 0.1;
-        case MapMode::HighMetric: return 0.01;
-        case MapMode::LowEnglish: return 0.254;
-        case MapMode::HighEnglish: return 0.0254;
-        case MapMode::Twips: return 25.4 / 1440;
-        default: return 0;
+        case MapMode::LowMetric:
+            return 0.1;
+        case MapMode::HighMetric:
+            return 0.01;
+        case MapMode::LowEnglish:
+            return 0.254;
+        case MapMode::HighEnglish:
+            return 0.0254;
+        case MapMode::Twips:
+            return 25.4 / 1440;
+        default:
+            return 0;
     }
 }
 

@@ -84,8 +84,8 @@ struct TextCall {
 };
 
 struct BitmapCall {
-    QImage image;         ///< the part to draw
-    QRectF target;        ///< in logical units; a negative size mirrors
+    QImage image;                 ///< the part to draw
+    QRectF target;                ///< in logical units; a negative size mirrors
     bool targetInPixels = false;  ///< the target is in pixels of the reference device
     RasterOperation operation = RasterOperation::CopySource();
 };
@@ -168,12 +168,13 @@ class DeviceContext {
     void ResetClip();
 
   private:
+    enum class Edges { Straight, Round };
     /// How text lies in the picture.
     struct TextFrame {
-        QPointF origin;     ///< of the base line's start
-        QPointF along;      ///< a logical unit along the base line, in pixels of the picture
-        QPointF emAcross;   ///< the width of an em
-        QPointF emDown;     ///< the height of an em, downwards
+        QPointF origin;    ///< of the base line's start
+        QPointF along;     ///< a logical unit along the base line, in pixels of the picture
+        QPointF emAcross;  ///< the width of an em
+        QPointF emDown;    ///< the height of an em, downwards
     };
     /// The outline of a text from its origin on, and the way to its end.
     struct TextOutline {
@@ -182,14 +183,17 @@ class DeviceContext {
     };
 
     void Paint(const QPainterPath& shape, bool fill, bool stroke);
+    void FillShape(QPainterPath shape);
+    /// Strokes a shape whose points are corners between pixels: the pen draws on the pixels behind them.
     void StrokeShape(const QPainterPath& shape);
+    void StrokeLine(const QPainterPath& line);
     void AddToPath(const QPainterPath& figures);
     /// Adds lines that begin at the current position and leave it at `end`.
     void DrawFromPosition(const QPainterPath& figures, QPointF end);
     /// Draws what `make` puts into a box, given in a space that `make` is told how to reach.
     template <typename Make>
-    void DrawInBox(const QRectF& box, bool fill, const Make& make);
-    QRectF InsetForPen(const QRectF& box) const;
+    void DrawInBox(const QRectF& box, Edges edges, bool fill, const Make& make);
+    QRectF InsetForPen(const QRectF& box, Edges edges) const;
 
     double PenWidth() const;
     QPen PenForStroke() const;

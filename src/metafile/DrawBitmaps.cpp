@@ -7,8 +7,7 @@ namespace {
 
 /// Takes the pixels of an image to a rectangle; a negative size mirrors.
 QTransform ToTarget(const QImage& image, const QRectF& target) {
-    return {target.width() / image.width(),   0,          0, target.height() / image.height(), target.x(),
-            target.y()};
+    return {target.width() / image.width(), 0, 0, target.height() / image.height(), target.x(), target.y()};
 }
 
 }  // namespace
@@ -19,7 +18,8 @@ BitmapCall PartOf(const QImage& image, QRectF source, const QRectF& target, Rast
     call.operation = operation;
     if (source.width() < 0) {
         source = QRectF(source.x() + source.width(), source.y(), -source.width(), source.height());
-        call.target = QRectF(target.x() + target.width(), call.target.y(), -target.width(), call.target.height());
+        call.target =
+            QRectF(target.x() + target.width(), call.target.y(), -target.width(), call.target.height());
     }
     if (source.height() < 0) {
         source = QRectF(source.x(), source.y() + source.height(), source.width(), -source.height());
@@ -32,8 +32,8 @@ BitmapCall PartOf(const QImage& image, QRectF source, const QRectF& target, Rast
     call.image = held == image.rect() ? image : image.copy(held);
     const double x = call.target.width() / whole.width();
     const double y = call.target.height() / whole.height();
-    call.target = QRectF(call.target.x() + (held.x() - whole.x()) * x, call.target.y() + (held.y() - whole.y()) * y,
-                         held.width() * x, held.height() * y);
+    call.target = QRectF(call.target.x() + (held.x() - whole.x()) * x,
+                         call.target.y() + (held.y() - whole.y()) * y, held.width() * x, held.height() * y);
     return call;
 }
 

@@ -30,12 +30,18 @@ QList<qreal> DashesOf(const Pen& pen, double width, bool thick) {
     const double dot = thick ? 1 : 3;
     const double gap = thick ? 1 : 6;
     switch (pen.style & Pen::kStyleMask) {
-        case Pen::kDash: return {dash, gap};
-        case Pen::kDot: return {dot, thick ? 1.0 : 3.0};
-        case Pen::kDashDot: return {thick ? dash : 9, gap, dot, gap};
-        case Pen::kDashDotDot: return {thick ? dash : 9, dot, dot, dot, dot, dot};
-        case Pen::kAlternate: return {1, 1};
-        default: break;
+        case Pen::kDash:
+            return {dash, gap};
+        case Pen::kDot:
+            return {dot, thick ? 1.0 : 3.0};
+        case Pen::kDashDot:
+            return {thick ? dash : 9, gap, dot, gap};
+        case Pen::kDashDotDot:
+            return {thick ? dash : 9, dot, dot, dot, dot, dot};
+        case Pen::kAlternate:
+            return {1, 1};
+        default:
+            break;
     }
     QList<qreal> dashes;
     const double unit = thick && pen.width > 0 ? pen.width : width;
@@ -87,12 +93,12 @@ QPainterPath HairlinePath(const QPainterPath& path) {
 
 using Rows = std::array<std::uint8_t, 8>;
 constexpr Rows kHatches[] = {
-    {0, 0, 0, 0xFF, 0, 0, 0, 0},                              // horizontal
-    {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10},         // vertical
-    {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01},         // falling
-    {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80},         // rising
-    {0x10, 0x10, 0x10, 0xFF, 0x10, 0x10, 0x10, 0x10},         // cross
-    {0x81, 0x42, 0x24, 0x18, 0x18, 0x24, 0x42, 0x81},         // diagonal cross
+    {0, 0, 0, 0xFF, 0, 0, 0, 0},                       // horizontal
+    {0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10},  // vertical
+    {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01},  // falling
+    {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80},  // rising
+    {0x10, 0x10, 0x10, 0xFF, 0x10, 0x10, 0x10, 0x10},  // cross
+    {0x81, 0x42, 0x24, 0x18, 0x18, 0x24, 0x42, 0x81},  // diagonal cross
 };
 
 QImage HatchTile(unsigned hatch, QRgb line, QRgb gap) {
@@ -131,8 +137,10 @@ QImage Recolored(const QImage& blackAndWhite, QRgb black, QRgb white) {
 QBrush DeviceContext::BrushFor(const Brush& brush) const {
     QBrush result;
     switch (brush.kind) {
-        case Brush::Kind::None: return Qt::NoBrush;
-        case Brush::Kind::Solid: return QColor(brush.color);
+        case Brush::Kind::None:
+            return Qt::NoBrush;
+        case Brush::Kind::Solid:
+            return QColor(brush.color);
         case Brush::Kind::Hatch:
             result = QBrush(HatchTile(brush.hatch, brush.color,
                                       state_.opaqueBackground ? state_.backgroundColor : qRgba(0, 0, 0, 0)));
@@ -175,25 +183,31 @@ QPen DeviceContext::PenForStroke() const {
 
 void DeviceContext::StrokeShape(const QPainterPath& shape) {
     if (!IsVisible(state_.pen)) return;
-    const QPen pen = PenForStroke();
-    QPainterPath line = shape;
-    if (pen.widthF() <= kHairline) {
-        line = HairlinePath(shape);
-    } else if (std::lround(pen.widthF()) % 2 == 1) {
-        line = shape.translated(0.5, 0.5);
+    const double width = PenWidth();
+    if (width <= kHairline) {
+        StrokeLine(HairlinePath(shape));
+    } else {
+        const bool odd = std::lround(width) % 2 == 1;
+        StrokeLine(odd ? shape.translated(0.5, 0.5) : shape);
     }
+}
+
+void DeviceContext::StrokeLine(const QPainterPath& line) {
+    const QPen pen = PenForStroke();
     const bool paintGaps =
         pen.style() == Qt::CustomDashLine && state_.opaqueBackground && !state_.pen.extended;
-    if (paintGaps) canvas_.Stroke(line, QPen(QColor(state_.backgroundColor), pen.widthF()), DrawingOperation());
+    if (paintGaps)
+        canvas_.Stroke(line, QPen(QColor(state_.backgroundColor), pen.widthF()), DrawingOperation());
     canvas_.Stroke(line, pen, DrawingOperation());
 }
 
+void DeviceContext::FillShape(QPainterPath shape) {
+    shape.setFillRule(state_.fillRule);
+    canvas_.Fill(shape, BrushFor(state_.brush), DrawingOperation());
+}
+
 void DeviceContext::Paint(const QPainterPath& shape, bool fill, bool stroke) {
-    if (fill) {
-        QPainterPath area = shape;
-        area.setFillRule(state_.fillRule);
-        canvas_.Fill(area, BrushFor(state_.brush), DrawingOperation());
-    }
+    if (fill) FillShape(shape);
     if (stroke) StrokeShape(shape);
 }
 
@@ -262,35 +276,36 @@ void DeviceContext::Shape(const QPainterPath& figures) {
     pathOpen_ ? AddToPath(path) : Paint(path, true, true);
 }
 
-QRectF DeviceContext::InsetForPen(const QRectF& box) const {
+QRectF DeviceContext::InsetForPen(const QRectF& box, Edges edges) const {
     if (!IsVisible(state_.pen)) return box;
     const double width = PenWidth();
-    if (width <= kHairline) {
-        const QRectF snapped = SnapToPixels(box);
-        // The line itself is moved to the centres of pixels when it is drawn.
-        return snapped.adjusted(0, 0, -1, -1);
-    }
-    if ((state_.pen.style & Pen::kStyleMask) != Pen::kInsideFrame) return box;
-    const double x = std::min(width, box.width()) / 2;
-    const double y = std::min(width, box.height()) / 2;
+    // The right and bottom edges lie outside: the line runs through the last pixels before them.
+    if (width <= kHairline && edges == Edges::Straight)
+        return QRectF(SnapToPixels(box)).adjusted(0.5, 0.5, -0.5, -0.5);
+    const bool inside = (state_.pen.style & Pen::kStyleMask) == Pen::kInsideFrame;
+    const double x = std::min(inside ? width : 1.0, box.width()) / 2;
+    const double y = std::min(inside ? width : 1.0, box.height()) / 2;
     return box.adjusted(x, y, -x, -y);
 }
 
 template <typename Make>
-void DeviceContext::DrawInBox(const QRectF& box, bool fill, const Make& make) {
+void DeviceContext::DrawInBox(const QRectF& box, Edges edges, bool fill, const Make& make) {
     const QTransform toPicture = ToPicture();
-    QPainterPath path;
-    if (KeepsAxes(toPicture)) {
-        path = make(InsetForPen(toPicture.mapRect(box.normalized())), toPicture);
-    } else {
-        path = toPicture.map(make(box.normalized(), QTransform()));
+    const bool upright = KeepsAxes(toPicture);
+    const QRectF mapped = toPicture.mapRect(box.normalized());
+    if (pathOpen_ || !upright) {
+        const QPainterPath path =
+            upright ? make(mapped, toPicture) : toPicture.map(make(box.normalized(), QTransform()));
+        return pathOpen_ ? AddToPath(path) : Paint(path, fill, true);
     }
-    pathOpen_ ? AddToPath(path) : Paint(path, fill, true);
+    const QPainterPath path = make(InsetForPen(mapped, edges), toPicture);
+    if (fill) FillShape(path);
+    if (IsVisible(state_.pen)) StrokeLine(path);
 }
 
 void DeviceContext::Rectangle(const QRectF& box) {
     const bool outlined = IsVisible(state_.pen);
-    DrawInBox(box, true, [&](QRectF shape, const QTransform& transform) {
+    DrawInBox(box, Edges::Straight, true, [&](QRectF shape, const QTransform& transform) {
         constexpr double kSlim = 0.75;
         // Bands of a gradient are rectangles side by side: their edges must not show.
         if (!outlined && !transform.isIdentity() && shape.width() >= kSlim && shape.height() >= kSlim)
@@ -302,22 +317,27 @@ void DeviceContext::Rectangle(const QRectF& box) {
 }
 
 void DeviceContext::RoundRect(const QRectF& box, double cornerWidth, double cornerHeight) {
-    DrawInBox(box, true, [&](const QRectF& shape, const QTransform& transform) {
-        const double width = std::abs(transform.m11() * cornerWidth) + std::abs(transform.m21() * cornerHeight);
-        const double height = std::abs(transform.m12() * cornerWidth) + std::abs(transform.m22() * cornerHeight);
+    DrawInBox(box, Edges::Straight, true, [&](const QRectF& shape, const QTransform& transform) {
+        const double width =
+            std::abs(transform.m11() * cornerWidth) + std::abs(transform.m21() * cornerHeight);
+        const double height =
+            std::abs(transform.m12() * cornerWidth) + std::abs(transform.m22() * cornerHeight);
         return RoundRectPath(shape, width, height);
     });
 }
 
 void DeviceContext::Ellipse(const QRectF& box) {
-    DrawInBox(box, true, [](const QRectF& shape, const QTransform&) { return EllipsePath(shape); });
+    DrawInBox(box, Edges::Round, true,
+              [](const QRectF& shape, const QTransform&) { return EllipsePath(shape); });
 }
 
 void DeviceContext::Arc(const QRectF& box, QPointF start, QPointF end, ArcKind kind) {
     const bool mirrored = !KeepsAxes(ToPicture()) && ToPicture().determinant() < 0;
-    DrawInBox(box, kind != ArcKind::Open, [&](const QRectF& shape, const QTransform& transform) {
-        return ArcPath(shape, transform.map(start), transform.map(end), state_.clockwise != mirrored, kind);
-    });
+    DrawInBox(box, Edges::Round, kind != ArcKind::Open,
+              [&](const QRectF& shape, const QTransform& transform) {
+                  return ArcPath(shape, transform.map(start), transform.map(end),
+                                 state_.clockwise != mirrored, kind);
+              });
 }
 
 void DeviceContext::ArcTo(const QRectF& box, QPointF start, QPointF end) {
@@ -339,7 +359,9 @@ void DeviceContext::AngleArc(QPointF center, double radius, double startAngle, d
 }
 
 void DeviceContext::SetPixel(QPointF point, QRgb color) {
-    const QPointF pixel = ToPicture().map(point);
+    // The middle of the reference device's pixel tells which of the picture's is meant.
+    const QPointF half = toPicture_.map(QPointF(0.5, 0.5)) - toPicture_.map(QPointF(0, 0));
+    const QPointF pixel = ToPicture().map(point) + half;
     QPainterPath path;
     path.addRect(std::floor(pixel.x()), std::floor(pixel.y()), 1, 1);
     canvas_.Fill(path, QColor(color), RasterOperation::CopyPattern());
@@ -348,8 +370,9 @@ void DeviceContext::SetPixel(QPointF point, QRgb color) {
 void DeviceContext::FloodFill(QPointF point, QRgb color, bool toBorder) {
     const QPointF start = ToPicture().map(point);
     if (!QRectF(canvas_.Area()).contains(start)) return;
-    canvas_.FloodFill(QPoint(static_cast<int>(std::floor(start.x())), static_cast<int>(std::floor(start.y()))),
-                      BrushFor(state_.brush), toBorder ? std::optional(color) : std::nullopt);
+    canvas_.FloodFill(
+        QPoint(static_cast<int>(std::floor(start.x())), static_cast<int>(std::floor(start.y()))),
+        BrushFor(state_.brush), toBorder ? std::optional(color) : std::nullopt);
 }
 
 void DeviceContext::FillTriangle(const std::array<QPointF, 3>& corners, const std::array<QColor, 3>& colors) {
@@ -360,8 +383,8 @@ void DeviceContext::FillTriangle(const std::array<QPointF, 3>& corners, const st
 
 void DeviceContext::GradientBox(QPointF from, QPointF to, QColor first, QColor last, bool vertical) {
     const QTransform toPicture = ToPicture();
-    QLinearGradient gradient(toPicture.map(from), toPicture.map(vertical ? QPointF(from.x(), to.y())
-                                                                         : QPointF(to.x(), from.y())));
+    QLinearGradient gradient(toPicture.map(from),
+                             toPicture.map(vertical ? QPointF(from.x(), to.y()) : QPointF(to.x(), from.y())));
     gradient.setColorAt(0, first);
     gradient.setColorAt(1, last);
     canvas_.Fill(BoxInPicture(QRectF(from, to)), gradient, RasterOperation::CopyPattern());

@@ -34,7 +34,8 @@ double LengthOf(QPointF vector) {
 QString WithSymbols(const QString& text, const Font& font) {
     if (!IsSymbolFont(font.face, font.charset)) return text;
     QString symbols;
-    for (const QChar unit : text) symbols += QChar(static_cast<char16_t>(SymbolOf(font.face, unit.unicode())));
+    for (const QChar unit : text)
+        symbols += QChar(static_cast<char16_t>(SymbolOf(font.face, unit.unicode())));
     return symbols;
 }
 
@@ -45,9 +46,10 @@ DeviceContext::TextFrame DeviceContext::FrameOf(const TextCall& call, const Type
     // Characters stay upright and unmirrored whatever the axes do.
     const QPointF page = state_.mapping.Scale(pixelsPerMillimetre_);
     const QTransform& world = state_.mapping.world;
-    const QTransform turn = QTransform(world.m11(), world.m12(), world.m21(), world.m22(), 0, 0) *
-                            QTransform::fromScale(std::abs(page.x()), std::abs(page.y())) *
-                            QTransform(toPicture_.m11(), toPicture_.m12(), toPicture_.m21(), toPicture_.m22(), 0, 0);
+    const QTransform turn =
+        QTransform(world.m11(), world.m12(), world.m21(), world.m22(), 0, 0) *
+        QTransform::fromScale(std::abs(page.x()), std::abs(page.y())) *
+        QTransform(toPicture_.m11(), toPicture_.m12(), toPicture_.m21(), toPicture_.m22(), 0, 0);
     const double angle = font.escapement * std::numbers::pi / 180;
     const QPointF along = turn.map(QPointF(std::cos(angle), -std::sin(angle)));
     const QPointF down = turn.map(QPointF(std::sin(angle), std::cos(angle)));

@@ -125,7 +125,8 @@ void EmfPlayer::MaskBlt(Record& record) {
     const QPointF maskCorner = ReadPoint(record.reader);
     const RecordBitmap maskBitmap = ReadBitmapPlace(record);
     if (!transfer.hasBitmap) return;
-    const QRectF source = transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
+    const QRectF source =
+        transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
     BitmapCall call = PartOf(Decode(transfer.bitmap), source, transfer.target, RasterOperation::CopySource());
     const QImage mask = Decode(maskBitmap);
     if (!mask.isNull() && !call.image.isNull()) call.image = WithMask(call.image, mask, maskCorner.toPoint());

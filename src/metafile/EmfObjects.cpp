@@ -23,12 +23,16 @@ std::vector<Pixel> ReadPaletteColors(ByteReader& reader, std::size_t count) {
 
 Brush::Kind KindOf(std::uint32_t style) {
     switch (style) {
-        case 1: return Brush::Kind::None;
-        case 2: return Brush::Kind::Hatch;
+        case 1:
+            return Brush::Kind::None;
+        case 2:
+            return Brush::Kind::Hatch;
         case 3:
         case 5:
-        case 6: return Brush::Kind::Pattern;
-        default: return Brush::Kind::Solid;
+        case 6:
+            return Brush::Kind::Pattern;
+        default:
+            return Brush::Kind::Solid;
     }
 }
 

@@ -58,10 +58,24 @@ Extent FindExtent(Bytes file, const EmfHeader& header, const DecodeOptions& opti
     return {frame, QSizeF(width, height) * (kDotsPerInch / 2540)};
 }
 
+/// Maps a side of the frame to one of the picture. A frame counts in hundredths of a millimetre, which are no
+/// whole pixels: one that is a fraction of a pixel off was meant to fit.
+struct SideMapping {
+    double scale, offset;
+
+    SideMapping(double start, double length, double pixels) {
+        constexpr double kRounding = 0.1;
+        const bool fits = std::abs(length - pixels) < kRounding;
+        scale = fits ? 1 : pixels / length;
+        offset =
+            fits && std::abs(start - std::round(start)) < kRounding ? -std::round(start) : -start * scale;
+    }
+};
+
 QTransform ToPicture(const QRectF& area, const QRectF& target) {
-    const double x = target.width() / area.width();
-    const double y = target.height() / area.height();
-    return {x, 0, 0, y, target.x() - area.x() * x, target.y() - area.y() * y};
+    const SideMapping x(area.x(), area.width(), target.width());
+    const SideMapping y(area.y(), area.height(), target.height());
+    return {x.scale, 0, 0, y.scale, x.offset, y.offset};
 }
 
 /// For a file whose own records draw nothing: what its comments carry.

@@ -154,9 +154,10 @@ Region ReadRegion(Bytes data) {
     region.boxes.reserve(held);
     const auto edge = [&] { return std::clamp(reader.I32Le(), -(1 << 28), 1 << 28); };
     for (std::size_t i = 0; i < held; ++i) {
-        const QPoint corner(edge(), edge());
-        const QPoint end(edge(), edge());
-        region.boxes.emplace_back(corner, end - QPoint(1, 1));
+        const int left = edge();
+        const int top = edge();
+        const int right = edge();
+        region.boxes.emplace_back(QPoint(left, top), QPoint(right - 1, edge() - 1));
     }
     return region;
 }

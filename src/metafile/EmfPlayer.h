@@ -14,7 +14,8 @@ namespace tessara::metafile {
 class EmfPlayer {
   public:
     /// `toPicture` takes pixels of the reference device to those of the canvas.
-    EmfPlayer(Canvas& canvas, const DecodeOptions& options, const EmfHeader& header, const QTransform& toPicture);
+    EmfPlayer(Canvas& canvas, const DecodeOptions& options, const EmfHeader& header,
+              const QTransform& toPicture);
 
     /// Whether the records came to their proper end.
     bool Play(Bytes file);

@@ -74,7 +74,8 @@ Result<Picture> DecodeRawPixels(ByteReader& reader, int width, int height, std::
             continue;
         }
         for (std::size_t x = 0; x < pixels.size(); ++x)
-            pixels[x] = {row[4 * x], row[4 * x + 1], row[4 * x + 2], alpha ? row[4 * x + 3] : std::uint8_t{255}};
+            pixels[x] = {row[4 * x], row[4 * x + 1], row[4 * x + 2],
+                         alpha ? row[4 * x + 3] : std::uint8_t{255}};
         if (format == kPremultiplied32) Unpremultiply(pixels);
     }
     return picture;

@@ -63,11 +63,20 @@ void EmfPlayer::ModifyWorldTransform(Record& record) {
     const QTransform& world = State().mapping.world;
     QTransform changed = world;
     switch (record.reader.U32Le()) {
-        case kIdentity: changed = {}; break;
-        case kLeft: changed = given * world; break;
-        case kRight: changed = world * given; break;
-        case kSet: changed = given; break;
-        default: break;
+        case kIdentity:
+            changed = {};
+            break;
+        case kLeft:
+            changed = given * world;
+            break;
+        case kRight:
+            changed = world * given;
+            break;
+        case kSet:
+            changed = given;
+            break;
+        default:
+            break;
     }
     if (IsUsable(changed)) State().mapping.world = changed;
 }

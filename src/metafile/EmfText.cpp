@@ -27,8 +27,9 @@ QString TextOfGlyphs(const QString& glyphs, const QString& face) {
     static constexpr std::array kFaces{"Arial",  "Times New Roman", "Courier New", "Verdana",
                                        "Tahoma", "Georgia",         "Trebuchet MS"};
     constexpr int kFirst = 3, kLast = 97, kToCharacter = 29;
-    const bool known = std::ranges::any_of(
-        kFaces, [&](const char* name) { return face.compare(QLatin1String(name), Qt::CaseInsensitive) == 0; });
+    const bool known = std::ranges::any_of(kFaces, [&](const char* name) {
+        return face.compare(QLatin1String(name), Qt::CaseInsensitive) == 0;
+    });
     if (!known) return {};
     QString text;
     for (const QChar glyph : glyphs) {

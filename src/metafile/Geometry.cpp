@@ -116,7 +116,9 @@ bool KeepsAxes(const QTransform& transform) {
 }
 
 QRect SnapToPixels(const QRectF& box) {
-    const auto edge = [](double value) { return static_cast<int>(std::lround(std::clamp(value, -1e8, 1e8))); };
+    const auto edge = [](double value) {
+        return static_cast<int>(std::lround(std::clamp(value, -1e8, 1e8)));
+    };
     const int left = edge(box.left());
     const int top = edge(box.top());
     return {left, top, std::max(1, edge(box.right()) - left), std::max(1, edge(box.bottom()) - top)};

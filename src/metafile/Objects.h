@@ -48,8 +48,8 @@ struct Pen {
 };
 
 struct Font {
-    double height = 0;  ///< negative: of the characters; positive: of the line; in logical units
-    double width = 0;   ///< average of a character, 0 by the font's own proportion
+    double height = 0;      ///< negative: of the characters; positive: of the line; in logical units
+    double width = 0;       ///< average of a character, 0 by the font's own proportion
     double escapement = 0;  ///< of the base line, counter-clockwise, in degrees
     int weight = 400;
     bool italic = false, underline = false, strikeOut = false;

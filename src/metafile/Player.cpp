@@ -12,13 +12,16 @@ QSize PictureSize(double width, double height, std::size_t fileBytes, const Limi
     const double longest = std::min(limits.side, 32000);
     constexpr double kAlwaysAllowed = 64e6;
     constexpr double kMostPixelsPerByte = 8;
-    const double mostPixels = std::min(static_cast<double>(limits.decodedBytes / sizeof(Pixel)),
-                                       std::max(kAlwaysAllowed, kMostPixelsPerByte * static_cast<double>(fileBytes)));
+    const double mostPixels =
+        std::min(static_cast<double>(limits.decodedBytes / sizeof(Pixel)),
+                 std::max(kAlwaysAllowed, kMostPixelsPerByte * static_cast<double>(fileBytes)));
     width = std::max(width, 1.0);
     height = std::max(height, 1.0);
     double scale = std::min(1.0, longest / std::max(width, height));
     scale = std::min(scale, std::sqrt(0.999 * mostPixels / (width * height)));
-    const auto pixels = [&](double length) { return std::max(1, static_cast<int>(std::lround(length * scale))); };
+    const auto pixels = [&](double length) {
+        return std::max(1, static_cast<int>(std::lround(length * scale)));
+    };
     return {pixels(width), pixels(height)};
 }
 

@@ -57,9 +57,12 @@ void RasterOperation::CombineRow(std::span<const std::uint32_t> pattern,
                                  std::span<std::uint32_t> destination) const {
     const std::size_t count = destination.size();
     switch (index_) {
-        case 0x88: return CombineAnd(count, source.data(), coverage.data(), destination.data());
-        case 0xEE: return CombineOr(count, source.data(), coverage.data(), destination.data());
-        case 0x66: return CombineXor(count, source.data(), coverage.data(), destination.data());
+        case 0x88:
+            return CombineAnd(count, source.data(), coverage.data(), destination.data());
+        case 0xEE:
+            return CombineOr(count, source.data(), coverage.data(), destination.data());
+        case 0x66:
+            return CombineXor(count, source.data(), coverage.data(), destination.data());
         default:
             CombineByTable(index_, count, pattern.data(), source.data(), coverage.data(), destination.data());
     }

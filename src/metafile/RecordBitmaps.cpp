@@ -44,7 +44,8 @@ QImage DecodeBitmap(const RecordBitmap& bitmap, const Palette& palette, const De
                     WorkBudget& budget) {
     const std::optional<DibShape> shape = DibShapeOf(bitmap.header);
     if (!shape || options.nestingLeft < 1) return {};
-    if (!budget.Spend(2.0 * static_cast<double>(shape->width) * static_cast<double>(shape->height))) return {};
+    if (!budget.Spend(2.0 * static_cast<double>(shape->width) * static_cast<double>(shape->height)))
+        return {};
     DibOptions dibOptions;
     dibOptions.premultipliedAlpha = bitmap.premultipliedAlpha;
     if (bitmap.usage == ColorUsage::PaletteIndexes) dibOptions.palette = palette.colors;

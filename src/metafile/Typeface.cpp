@@ -5,46 +5,93 @@
 #include <algorithm>
 #include <mutex>
 
+#include "metafile/CodePage.h"
+
 namespace tessara::metafile {
 namespace {
 
 /// The size at which outlines are taken; large enough for their coordinates to be exact.
 constexpr int kPixelsPerEm = 512;
 
-struct Alias {
-    const char* face;
-    const char* meant;
+enum class Style { Sans, Serif, Fixed };
+
+struct KnownFace {
+    const char* start;  ///< of the name; styles such as "Italic" may follow
+    Style style;
+    const char* twin = nullptr;  ///< a free font of the same widths, where it is not the style's own
 };
 
-/// Faces that were bitmaps or logical names; outline fonts of the same look stand for them.
-constexpr Alias kAliases[] = {
-    {"System", "Arial"},       {"Helv", "Arial"},         {"MS Sans Serif", "Arial"},
-    {"MS Shell Dlg", "Arial"}, {"MS Shell Dlg 2", "Arial"}, {"Tms Rmn", "Times New Roman"},
-    {"MS Serif", "Times New Roman"}, {"Fixedsys", "Courier New"}, {"Terminal", "Courier New"},
+/// Faces whose style is known whatever the file says; some were bitmaps or logical names. All others go by
+/// their pitch, or are taken for sans serif.
+constexpr KnownFace kKnownFaces[] = {
+    {"Arial Narrow", Style::Sans, "Liberation Sans Narrow"},
+    {"Calibri", Style::Sans, "Carlito"},
+    {"Times", Style::Serif},
+    {"Tms Rmn", Style::Serif},
+    {"MS Serif", Style::Serif},
+    {"Symbol", Style::Serif},
+    {"Cambria", Style::Serif, "Caladea"},
+    {"Garamond", Style::Serif, "EB Garamond"},
+    {"Georgia", Style::Serif, "Gelasio"},
+    {"Palatino", Style::Serif, "P052"},
+    {"Book Antiqua", Style::Serif, "P052"},
+    {"Bookman", Style::Serif, "URW Bookman"},
+    {"Century", Style::Serif, "C059"},
+    {"Courier", Style::Fixed},
+    {"Fixedsys", Style::Fixed},
+    {"Terminal", Style::Fixed},
+    {"Consolas", Style::Fixed, "Inconsolata"},
+    {"Lucida Console", Style::Fixed},
 };
 
-QString FamilyOf(const Font& font) {
-    QString face = font.face;
-    if (face.startsWith(QLatin1Char('@'))) face.remove(0, 1);  // the variant for vertical lines
-    for (const Alias& alias : kAliases)
-        if (face.compare(QLatin1String(alias.face), Qt::CaseInsensitive) == 0) return QLatin1String(alias.meant);
-    return face.isEmpty() ? QStringLiteral("Arial") : face;
-}
-
-QFont::StyleHint HintOf(const Font& font) {
+Style StyleByPitch(const Font& font) {
     constexpr unsigned kFixedPitch = 1, kRoman = 1, kModern = 3;
     const unsigned family = font.pitchAndFamily >> 4;
-    if (family == kRoman) return QFont::Times;
-    if (family == kModern || (font.pitchAndFamily & 3) == kFixedPitch) return QFont::TypeWriter;
-    return QFont::Helvetica;
+    if (family == kRoman) return Style::Serif;
+    return family == kModern || (font.pitchAndFamily & 3) == kFixedPitch ? Style::Fixed : Style::Sans;
+}
+
+/// What stands for a face of a style, best first: fonts of the widths that documents were laid out with.
+QStringList FamiliesOf(Style style) {
+    const auto list = [](std::initializer_list<const char*> names) {
+        QStringList families;
+        for (const char* name : names) families << QLatin1String(name);
+        return families;
+    };
+    switch (style) {
+        case Style::Serif:
+            return list({"Liberation Serif", "Nimbus Roman", "TeX Gyre Termes", "DejaVu Serif"});
+        case Style::Fixed:
+            return list({"Liberation Mono", "Nimbus Mono PS", "TeX Gyre Cursor", "DejaVu Sans Mono"});
+        case Style::Sans:
+            break;
+    }
+    return list({"Liberation Sans", "Nimbus Sans", "TeX Gyre Heros", "DejaVu Sans"});
+}
+
+QStringList FamiliesOf(const Font& font) {
+    QString face = font.face;
+    if (face.startsWith(QLatin1Char('@'))) face.remove(0, 1);  // the variant for vertical lines
+    const auto* known = std::ranges::find_if(kKnownFaces, [&](const KnownFace& row) {
+        return face.startsWith(QLatin1String(row.start), Qt::CaseInsensitive);
+    });
+    QStringList families;
+    // Symbols were turned into the characters they show; a symbol font would take these for codes.
+    if (!face.isEmpty() && !IsSymbolFont(face, font.charset)) families << face;
+    if (known == std::end(kKnownFaces)) return families + FamiliesOf(StyleByPitch(font));
+    if (known->twin) families << QLatin1String(known->twin);
+    return families + FamiliesOf(known->style);
 }
 
 QFont SystemFont(const Font& font) {
-    QFont found(FamilyOf(font));
-    found.setStyleHint(HintOf(font));
+    QFont found(FamiliesOf(font));
     found.setPixelSize(kPixelsPerEm);
-    found.setItalic(font.italic);
-    found.setWeight(static_cast<QFont::Weight>(std::clamp(font.weight > 0 ? font.weight : 400, 1, 1000)));
+    const auto faceSays = [&](const char* style) {
+        return font.face.contains(QLatin1String(style), Qt::CaseInsensitive);
+    };
+    found.setItalic(font.italic || faceSays(" Italic"));
+    const int weight = font.weight > 0 ? font.weight : faceSays(" Bold") ? 700 : 400;
+    found.setWeight(static_cast<QFont::Weight>(std::clamp(weight, 1, 1000)));
     found.setHintingPreference(QFont::PreferNoHinting);
     return found;
 }
@@ -78,11 +125,12 @@ const Typeface::Glyphs& Typeface::Character(const QString& character) const {
 
 const Typeface& TypefaceCache::Find(const Font& font) {
     EnsureFontsAvailable();
-    const QString key = QStringLiteral("%1/%2/%3/%4")
+    const QString key = QStringLiteral("%1/%2/%3/%4/%5")
                             .arg(font.face)
                             .arg(font.weight)
                             .arg(static_cast<int>(font.italic))
-                            .arg(font.pitchAndFamily);
+                            .arg(font.pitchAndFamily)
+                            .arg(font.charset);
     std::shared_ptr<const Typeface>& typeface = typefaces_[key];
     if (!typeface) typeface = std::make_shared<const Typeface>(font);
     return *typeface;

@@ -39,7 +39,7 @@ QRectF MeasureDrawing(Bytes records, const DecodeOptions& options) {
 }
 
 struct Extent {
-    QRectF window;          ///< in logical units; either axis may run backwards
+    QRectF window;  ///< in logical units; either axis may run backwards
     double pixelsPerUnit;
 };
 
@@ -102,9 +102,11 @@ void DrawRecords(Canvas& canvas, Bytes records, const QRectF& window, const Deco
 Result<Picture> PlayWmf(Bytes file, const DecodeOptions& options) {
     TRY_ASSIGN(const WmfHeader header, ReadWmfHeader(file));
     const Extent extent = FindExtent(header, options);
-    if (extent.window.width() == 0 || extent.window.height() == 0) return Damaged("the metafile draws nothing");
-    const QSize size = PictureSize(std::abs(extent.window.width()) * extent.pixelsPerUnit,
-                                   std::abs(extent.window.height()) * extent.pixelsPerUnit, file.size(), options.limits);
+    if (extent.window.width() == 0 || extent.window.height() == 0)
+        return Damaged("the metafile draws nothing");
+    const QSize size =
+        PictureSize(std::abs(extent.window.width()) * extent.pixelsPerUnit,
+                    std::abs(extent.window.height()) * extent.pixelsPerUnit, file.size(), options.limits);
     TRY_ASSIGN(Picture picture,
                Picture::Create(size.width(), size.height(), kWhite, Alpha::None, options.limits));
     {

@@ -215,8 +215,8 @@ QRectF WmfPlayer::FileViewport() const {
     const double x = baseViewport_.width() / viewport_.width();
     const double y = baseViewport_.height() / viewport_.height();
     return {baseViewport_.x() + (mapping.viewportOrigin.x() - viewport_.x()) * x,
-            baseViewport_.y() + (mapping.viewportOrigin.y() - viewport_.y()) * y, mapping.viewportExtent.x() * x,
-            mapping.viewportExtent.y() * y};
+            baseViewport_.y() + (mapping.viewportOrigin.y() - viewport_.y()) * y,
+            mapping.viewportExtent.x() * x, mapping.viewportExtent.y() * y};
 }
 
 void WmfPlayer::SetFileViewport(const QRectF& viewport) {
@@ -575,7 +575,8 @@ QImage WmfPlayer::SourceOf(ByteReader& reader, bool deviceDependent) {
         return DecodeBitmap(bitmap, State().palette, options_, canvas_.Budget());
     }
     const DeviceBitmap bitmap = DecodeDeviceBitmap(reader.Rest(), 10, canvas_.Budget());
-    return bitmap.monochrome ? Recolored(bitmap.image, State().textColor, State().backgroundColor) : bitmap.image;
+    return bitmap.monochrome ? Recolored(bitmap.image, State().textColor, State().backgroundColor)
+                             : bitmap.image;
 }
 
 void WmfPlayer::StretchBitmap(ByteReader& reader, bool stretches, bool deviceDependent) {

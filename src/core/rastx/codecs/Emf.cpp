@@ -1,8 +1,10 @@
 // Enhanced metafile, little-endian, [MS-EMF]. Records of u32 type, u32 size in bytes, data; the first is
 //
-//    0  type 1              8  bounds, 4 x i32 pixels      40  " EMF"                  72  device, 2 x i32 pixels
-//    4  size                24  frame, 4 x i32 0.01 mm     60  description: length,    80  device, 2 x i32 mm
-//                                                              offset                  100  2 x i32 micrometres
+//    0  type 1              8  bounds, 4 x i32 pixels      40  " EMF"                  72  device, 2 x i32
+//    pixels 4  size                24  frame, 4 x i32 0.01 mm     60  description: length,    80  device, 2 x
+//    i32 mm
+//                                                              offset                  100  2 x i32
+//                                                              micrometres
 
 #include "core/rastx/codecs/Emf.h"
 
@@ -73,7 +75,8 @@ std::optional<CarriedBitmap> WholeBitmap(const EmfRecord& record, int width, int
     reader.Skip(4);
     if (reader.U32Le() != 0 || reader.U32Le() != kCopy || reader.I32Le() != width || reader.I32Le() != height)
         return std::nullopt;
-    const CarriedBitmap bitmap{Slice(record.bytes, headerOffset, headerBytes), Slice(record.bytes, bitsOffset)};
+    const CarriedBitmap bitmap{Slice(record.bytes, headerOffset, headerBytes),
+                               Slice(record.bytes, bitsOffset)};
     ByteReader dib(bitmap.header);
     const bool plain = dib.U32Le() == kBitmapHeaderBytes && dib.I32Le() == width && dib.I32Le() == height;
     return plain ? std::optional(bitmap) : std::nullopt;
@@ -113,7 +116,9 @@ struct ReferenceDevice {
     static std::uint32_t Micrometres(std::uint32_t pixels, double dotsPerInch) {
         return static_cast<std::uint32_t>(std::lround(pixels * 25400.0 / dotsPerInch));
     }
-    static std::uint32_t Millimetres(std::uint32_t micrometres) { return std::max(1u, (micrometres + 500) / 1000); }
+    static std::uint32_t Millimetres(std::uint32_t micrometres) {
+        return std::max(1u, (micrometres + 500) / 1000);
+    }
 };
 
 void PutBounds(ByteWriter& file, const Picture& picture) {
@@ -130,7 +135,15 @@ void PutHeader(ByteWriter& file, const Picture& picture, std::uint32_t fileBytes
     PutBounds(file, picture);
     file.U32Le(0).U32Le(0);
     file.I32Le(hundredths(picture.Width(), resolution.x)).I32Le(hundredths(picture.Height(), resolution.y));
-    file.Text(" EMF").U32Le(0x00010000).U32Le(fileBytes).U32Le(4).U16Le(1).U16Le(0).U32Le(0).U32Le(0).U32Le(0);
+    file.Text(" EMF")
+        .U32Le(0x00010000)
+        .U32Le(fileBytes)
+        .U32Le(4)
+        .U16Le(1)
+        .U16Le(0)
+        .U32Le(0)
+        .U32Le(0)
+        .U32Le(0);
     file.U32Le(device.kWidth).U32Le(device.kHeight);
     file.U32Le(device.Millimetres(device.widthMicrometres));
     file.U32Le(device.Millimetres(device.heightMicrometres));
@@ -156,14 +169,16 @@ std::optional<EmfRecord> EmfRecords::Next() {
     record.type = reader.U32Le();
     const std::uint32_t size = reader.U32Le();
     complete_ = record.type == emf::kEnd;
-    if (reader.Overrun() || size < 8 || size % 4 != 0 || size > rest_.size() || complete_) return std::nullopt;
+    if (reader.Overrun() || size < 8 || size % 4 != 0 || size > rest_.size() || complete_)
+        return std::nullopt;
     record.bytes = rest_.first(size);
     rest_ = rest_.subspan(size);
     return record;
 }
 
 Result<EmfHeader> ReadEmfHeader(Bytes file) {
-    if (!RecogniseEmf(file) || file.size() < kShortestHeader) return Damaged("the metafile's header is cut off");
+    if (!RecogniseEmf(file) || file.size() < kShortestHeader)
+        return Damaged("the metafile's header is cut off");
     EmfHeader header;
     ByteReader reader(file);
     reader.Seek(8);

@@ -45,7 +45,8 @@ Result<void> WriteBitmap(const Picture& picture, ByteSink& sink) {
                 FlattenRow(row, kWhite, flat);
                 row = flat;
             }
-            PixelsToBgr(row, std::span(block).subspan(rowBytes * static_cast<std::size_t>(i), 3 * row.size()));
+            PixelsToBgr(row,
+                        std::span(block).subspan(rowBytes * static_cast<std::size_t>(i), 3 * row.size()));
         }
         TRY(sink.Write(block));
     }

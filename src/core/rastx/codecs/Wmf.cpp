@@ -59,8 +59,10 @@ bool IsHarmless(const WmfRecord& record) {
         case kSetBackgroundMode:
         case kSetDrawingMode:
         case kSetPolygonFill:
-        case kSetTextAlign: return true;
-        default: return false;
+        case kSetTextAlign:
+            return true;
+        default:
+            return false;
     }
 }
 
@@ -72,7 +74,8 @@ Bytes WholeBitmap(const WmfRecord& record, int width, int height) {
     for (const int expected : {height, width, 0, 0, height, width, 0, 0})
         if (reader.I16Le() != expected) return {};
     const Bytes bitmap = reader.Rest();
-    const bool plain = reader.U32Le() == kBitmapHeaderBytes && reader.I32Le() == width && reader.I32Le() == height;
+    const bool plain =
+        reader.U32Le() == kBitmapHeaderBytes && reader.I32Le() == width && reader.I32Le() == height;
     return plain ? bitmap : Bytes{};
 }
 
@@ -100,7 +103,8 @@ Bytes FindCarriedBitmap(const WmfHeader& header) {
     return bitmap;
 }
 
-Result<Picture> DecodeCarriedBitmap(Bytes bitmap, const WmfPlacement& placement, const DecodeOptions& options) {
+Result<Picture> DecodeCarriedBitmap(Bytes bitmap, const WmfPlacement& placement,
+                                    const DecodeOptions& options) {
     TRY_ASSIGN(Picture picture, DecodeDib(bitmap, std::nullopt, {}, options));
     const auto dotsPerInch = static_cast<double>(placement.unitsPerInch);
     if (dotsPerInch > 0 && !picture.Meta().resolution.Known())

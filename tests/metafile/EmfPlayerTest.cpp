@@ -1,0 +1,321 @@
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cmath>
+
+#include "core/rastx/codecs/Emf.h"
+#include "tests/metafile/RecordBuilder.h"
+
+namespace tessara {
+namespace {
+
+using namespace test;
+
+constexpr int kStockNoPen = static_cast<int>(0x80000008), kStockGrey = static_cast<int>(0x80000002);
+constexpr int kSourceCopy = 0x00CC0020, kSourcePaint = 0x00EE0086;
+
+std::string Played(const EmfBuilder& emf) {
+    return Sketch(Must(DecodeEmf(emf.File(), {})));
+}
+
+struct Case {
+    const char* name;
+    EmfBuilder emf;
+    const char* expected;
+};
+
+void ExpectPictures(std::initializer_list<Case> cases) {
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Played(row.emf), row.expected);
+    }
+}
+
+int Float(float value) {
+    return std::bit_cast<int>(value);
+}
+
+EmfBuilder& Transform(EmfBuilder& emf, float m11, float m12, float m21, float m22, float dx, float dy) {
+    return emf.Record(35, {Float(m11), Float(m12), Float(m21), Float(m22), Float(dx), Float(dy)});
+}
+
+TEST(EmfPlayer, DrawsShapesOnWholePixels) {
+    ExpectPictures({
+        {"a box", EmfBuilder(4, 3).Fill(Red).Rectangle(1, 1, 3, 3), "WWWW WRRW WRRW"},
+        {"a polygon of short points",
+         EmfBuilder(3, 2).Fill(Red).Bounded(86, {4}, Points({1, 0, 3, 0, 3, 2, 1, 2})), "WRR WRR"},
+        {"polygons of long points",
+         EmfBuilder(3, 1).Fill(Red).Bounded(8, {2, 8, 4, 4, 0, 0, 1, 0, 1, 1, 0, 1, 2, 0, 3, 0, 3, 1, 2, 1}),
+         "RWR"},
+        {"lines go on from the last point",
+         EmfBuilder(3, 3).Pen(0, 0, Blue).Record(27, {0, 0}).Bounded(89, {2}, Points({2, 0, 2, 2})),
+         "BBB WWB WWB"},
+        {"mixed lines close their figure",
+         EmfBuilder(3, 3)
+             .Pen(0, 0, Blue)
+             .Record(59, {})
+             .Bounded(56, {4, 0, 0, 2, 0, 2, 2, 0, 2}, Hex("06020203"))
+             .Record(60, {})
+             .Bounded(64, {}),
+         "BBB BWB BBB"},
+        {"a flat cap ends at its point",
+         EmfBuilder(4, 4)
+             .Record(95, {1, 0, 0, 0, 0, 0x10200, 2, 0, static_cast<int>(Red), 0, 0})
+             .Record(37, {1})
+             .Record(27, {1, 2})
+             .Record(54, {3, 2}),
+         "WWWW WRRW WRRW WWWW"},
+        {"a stock brush without a pen",
+         EmfBuilder(1, 1).Record(37, {kStockNoPen}).Record(37, {kStockGrey}).Rectangle(0, 0, 1, 1), "?"},
+        {"a slot is filled anew",
+         EmfBuilder(1, 1)
+             .Fill(Red)
+             .Record(39, {2, 0, static_cast<int>(Blue), 0})
+             .Record(37, {2})
+             .Rectangle(0, 0, 1, 1),
+         "B"},
+        {"a region inverts", EmfBuilder(3, 1).Bounded(73, {48, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 2, 1}), "WKW"},
+    });
+}
+
+TEST(EmfPlayer, DrawsRoundShapesWhereTheyBelong) {
+    struct Place {
+        const char* name;
+        std::uint32_t type;
+        bool upperLeft, upperRight, lowerLeft, lowerRight;
+    };
+    // A quarter from the right (20, 10) to the top (10, 0), counter-clockwise.
+    for (const Place& place :
+         {Place{"pie", 47, false, true, false, false}, Place{"chord", 46, false, true, false, false}}) {
+        SCOPED_TRACE(place.name);
+        const Picture picture = Must(DecodeEmf(
+            EmfBuilder(20, 20).Fill(Red).Record(place.type, {0, 0, 20, 20, 20, 10, 10, 0}).File(), {}));
+        const auto red = [&](int x, int y) { return picture.At(x, y) == Pixel{0, 0, 255, 255}; };
+        EXPECT_EQ(red(15, 4), place.upperRight);
+        EXPECT_EQ(red(4, 4), place.upperLeft);
+        EXPECT_EQ(red(4, 15), place.lowerLeft);
+        EXPECT_EQ(red(15, 15), place.lowerRight);
+    }
+    const Picture clockwise = Must(DecodeEmf(
+        EmfBuilder(20, 20).Fill(Red).Record(57, {2}).Record(47, {0, 0, 20, 20, 20, 10, 10, 0}).File(), {}));
+    EXPECT_EQ(clockwise.At(4, 15), (Pixel{0, 0, 255, 255}));
+    EXPECT_EQ(clockwise.At(15, 4), kWhite);
+}
+
+TEST(EmfPlayer, TransformsAndMaps) {
+    EmfBuilder shifted(3, 2), turned(3, 2), combined(4, 1), broken(2, 1);
+    Transform(shifted, 1, 0, 0, 1, 1, 1).Fill(Red).Rectangle(0, 0, 1, 1);
+    Transform(turned, 0, 1, -1, 0, 3, 0).Fill(Red).Rectangle(0, 0, 2, 1);
+    Transform(combined, 1, 0, 0, 1, 1, 0)
+        .Record(36, {Float(2), 0, 0, Float(1), 0, 0, 2})
+        .Fill(Red)
+        .Rectangle(0, 0, 1, 1);
+    Transform(broken, NAN, 0, 0, INFINITY, 0, 0).Fill(Red).Rectangle(0, 0, 1, 1);
+    ExpectPictures({
+        {"a world that shifts", shifted, "WWW WRW"},
+        {"a world that turns", turned, "WWR WWR"},
+        {"a transform before the world's", combined, "WRRW"},
+        {"a transform of no numbers is passed over", broken, "RW"},
+        {"a window and a viewport",
+         EmfBuilder(4, 1)
+             .Record(17, {8})
+             .Record(9, {10, 10})
+             .Record(11, {2, 1})
+             .Record(12, {1, 0})
+             .Fill(Red)
+             .Rectangle(0, 0, 10, 10),
+         "WRRW"},
+        {"the text mode passes over extents",
+         EmfBuilder(2, 1).Record(9, {10, 10}).Fill(Red).Rectangle(0, 0, 1, 1), "RW"},
+        {"inches with an upward axis",
+         EmfBuilder(2, 2).Record(17, {6}).Record(12, {0, 2}).Fill(Red).Rectangle(0, 0, 15, 15), "WW RW"},
+        {"from right to left", EmfBuilder(3, 1).Record(115, {1}).Fill(Red).Rectangle(0, 0, 1, 1), "WWR"},
+    });
+}
+
+TEST(EmfPlayer, GathersPaths) {
+    const auto boxPath = [](int width) {
+        return EmfBuilder(width, 1).Fill(Red).Record(59, {}).Rectangle(1, 0, 3, 1).Record(60, {});
+    };
+    ExpectPictures({
+        {"nothing shows before it is filled", boxPath(4), "WWWW"},
+        {"filled", boxPath(4).Bounded(62, {}), "WRRW"},
+        {"aborted", boxPath(4).Record(68, {}).Bounded(62, {}), "WWWW"},
+        {"a clip", boxPath(4).Record(67, {5}).Rectangle(0, 0, 4, 1), "WRRW"},
+        {"a clip taken away", boxPath(4).Record(67, {4}).Rectangle(0, 0, 4, 1), "RWWR"},
+        {"stroked after widening",
+         EmfBuilder(3, 3)
+             .Pen(0, 0, Blue)
+             .Record(59, {})
+             .Record(27, {0, 1})
+             .Record(54, {9, 1})
+             .Record(60, {})
+             .Bounded(64, {}),
+         "WWW BBB WWW"},
+    });
+}
+
+TEST(EmfPlayer, ClipsToRegions) {
+    const auto region = [](int mode) {
+        return EmfBuilder(4, 1)
+            .Record(30, {0, 0, 2, 1})
+            .Record(75, {48, mode, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 3, 1})
+            .Fill(Red)
+            .Rectangle(0, 0, 4, 1);
+    };
+    ExpectPictures({
+        {"and", region(1), "WRWW"},
+        {"or", region(2), "RRRW"},
+        {"xor", region(3), "RWRW"},
+        {"difference", region(4), "RWWW"},
+        {"copy", region(5), "WRRW"},
+        {"none", EmfBuilder(2, 1).Record(30, {0, 0, 1, 1}).Record(75, {0, 5}).Fill(Red).Rectangle(0, 0, 2, 1),
+         "RR"},
+    });
+}
+
+/// A block transfer: its fixed part, what follows it, and the bitmap.
+EmfBuilder& Transfer(EmfBuilder& emf, std::uint32_t type, int operation, std::initializer_list<int> target,
+                     std::initializer_list<int> more, const ByteVector& dib) {
+    ByteWriter rest;
+    for (const int number : target) rest.I32Le(number);
+    rest.I32Le(operation).I32Le(0).I32Le(0);
+    for (const float number : {1.0f, 0.0f, 0.0f, 1.0f, 0.0f, 0.0f}) rest.I32Le(Float(number));
+    const auto header = static_cast<int>(100 + 4 * more.size());
+    rest.U32Le(0).U32Le(0).I32Le(header).I32Le(40).I32Le(header + 40).I32Le(0);
+    for (const int number : more) rest.I32Le(number);
+    return emf.Record(type, {0, 0, 0, 0}, Concatenate({rest.Written(), dib}));
+}
+
+TEST(EmfPlayer, DrawsBitmaps) {
+    EmfBuilder copied(3, 1), stretched(4, 1), keyed(2, 1), blended(2, 1);
+    Transfer(copied.Fill(Green).Rectangle(0, 0, 3, 1), 76, kSourcePaint, {0, 0, 2, 1}, {}, Dib("RK"));
+    Transfer(stretched, 77, kSourceCopy, {4, 0, -4, 1}, {2, 1}, Dib("RR"));
+    Transfer(keyed.Fill(Green).Rectangle(0, 0, 2, 1), 116, static_cast<int>(Red), {0, 0, 2, 1}, {2, 1},
+             Dib("RB"));
+    const ByteVector premultiplied =
+        Hex("28000000 02000000 01000000 0100 2000 00000000 00000000 00000000 00000000"
+            "00000000 00000000 000000FF 00000000");
+    Transfer(blended.Fill(Green).Rectangle(0, 0, 2, 1), 114, 0x01FF0000, {0, 0, 2, 1}, {2, 1}, premultiplied);
+    ExpectPictures({
+        {"combined", copied, "YGG"},
+        {"mirrored", stretched, "RRRR"},
+        {"but for one colour", keyed, "GB"},
+        {"by its alpha", blended, "KG"},
+        {"stretched rows from the bottom up",
+         EmfBuilder(2, 2).Bounded(81, {0, 0, 0, 0, 2, 1, 80, 40, 120, 0, 0, kSourceCopy, 2, 2}, Dib("RG BW")),
+         "BW BW"},
+        {"to the device",
+         EmfBuilder(3, 2).Bounded(80, {1, 0, 0, 0, 2, 2, 76, 40, 116, 0, 0, 0, 2}, Dib("RG BW")), "WRG WBW"},
+        {"a bitmap that lies outside of its record",
+         EmfBuilder(1, 1)
+             .Fill(Red)
+             .Rectangle(0, 0, 1, 1)
+             .Bounded(81, {0, 0, 0, 0, 2, 1, 9999, 40, -4, 0, 0, kSourceCopy, 2, 2}),
+         "R"},
+        {"a parallelogram",
+         EmfBuilder(2, 2).Bounded(79, {0, 2, 0, 0,   2,  2,   0, 0, 2, 2, Float(1), 0, 0, Float(1), 0,
+                                       0, 0, 0, 140, 40, 180, 0, 0, 0, 0, 0,        0, 0, 0},
+                                  Dib("RG BW")),
+         "GW RB"},
+    });
+}
+
+TEST(EmfPlayer, FillsGradients) {
+    const Picture picture = Must(DecodeEmf(
+        EmfBuilder(256, 1).Bounded(118, {2, 1, 0, 0, 0, 0, 0, 256, 1, 0xFF00, 0, 0, 1}).File(), {}));
+    EXPECT_LE(picture.At(0, 0).r, 2);
+    EXPECT_NEAR(picture.At(128, 0).r, 128, 3);
+    EXPECT_GE(picture.At(255, 0).r, 252);
+}
+
+TEST(EmfPlayer, WritesTextOnItsGround) {
+    ByteWriter call;
+    for (const int number : {1, 0, 0, 2, 3, 2, 76, 2, 1, 1, 8, 3, 80}) call.I32Le(number);
+    call.U16Le(' ').U16Le(' ').I32Le(3).I32Le(4);
+    const Picture picture = Must(DecodeEmf(EmfBuilder(12, 8)
+                                               .Record(25, {static_cast<int>(Red)})
+                                               .Record(18, {1})
+                                               .Bounded(84, {}, call.Written())
+                                               .File(),
+                                           {}));
+    EXPECT_EQ(Sketch(picture).substr(0, 38), "WWWWWWWWWWWW WRRRRRRRWWWW WRRRRRRRWWWW");
+}
+
+TEST(EmfPlayer, FindsTheExtentOfThePicture) {
+    ExpectPictures({
+        {"bounds where there is no frame",
+         EmfBuilder(0, 0).NoFrame().Bounds(1, 0, 2, 0).Fill(Red).Rectangle(2, 0, 3, 1), "WR"},
+        {"the drawing where there is neither", EmfBuilder(0, 0).NoFrame().Fill(Red).Rectangle(5, 5, 7, 6),
+         "RR"},
+        {"bounds where the frame cuts them",
+         EmfBuilder(2, 1).Bounds(0, 0, 3, 0).Fill(Red).Rectangle(3, 0, 4, 1), "WWWR"},
+    });
+}
+
+TEST(EmfPlayer, ShowsWhatCommentsCarryWhereNothingIsDrawn) {
+    const auto plus = [](int flags, std::string_view object) {
+        ByteWriter data;
+        const ByteVector image = Hex(object);
+        data.U32Le(static_cast<std::uint32_t>(4 + 12 + 4 + (image.empty() ? 0 : 12 + image.size())))
+            .Text("EMF+");
+        data.U16Le(0x4001).U16Le(static_cast<std::uint32_t>(flags)).U32Le(16).U32Le(4).U32Le(0);
+        if (!image.empty())
+            data.U16Le(0x4008)
+                .U16Le(0x0500)
+                .U32Le(static_cast<std::uint32_t>(12 + image.size()))
+                .U32Le(static_cast<std::uint32_t>(image.size()))
+                .Append(image);
+        return EmfBuilder(1, 1).Record(70, {}, data.Written());
+    };
+    const char* rawPixels =
+        "0210C0DB 01000000 02000000 01000000 08000000 0A202600 00000000 FF0000FF 00000000";
+    EXPECT_EQ(Played(plus(0, rawPixels)), "BW") << "an image object";
+    EXPECT_FALSE(DecodeEmf(plus(0, "").File(), {})) << "a drawing in newer records alone";
+    EXPECT_EQ(Played(plus(1, rawPixels).Fill(Red).Rectangle(0, 0, 1, 1)), "R") << "a dual file";
+
+    const ByteVector wmf = WmfBuilder(2, 1).Fill(Blue).Rectangle(1, 0, 2, 1).File();
+    ByteWriter data;
+    data.U32Le(static_cast<std::uint32_t>(20 + wmf.size()))
+        .Text("GDIC")
+        .U32Le(0x80000001)
+        .U32Le(0x300)
+        .U32Le(0);
+    data.U32Le(static_cast<std::uint32_t>(wmf.size())).Append(wmf);
+    EXPECT_EQ(Played(EmfBuilder(2, 1).Record(70, {}, data.Written())), "WB") << "a metafile";
+    EXPECT_EQ(Sketch(Must(DecodeEmf(EmfBuilder(2, 1).Record(70, {}, data.Written()).File(), {{}, 0}))), "WW")
+        << "no further nesting allowed";
+}
+
+TEST(EmfPlayer, DrawsWhatABrokenFileStillHolds) {
+    const EmfBuilder drawing = EmfBuilder(2, 1).Fill(Red).Rectangle(0, 0, 1, 1);
+    const auto played = [](const ByteVector& file) { return Sketch(Must(DecodeEmf(file, {}))); };
+    EXPECT_EQ(played(drawing.File(false)), "RW") << "no end record";
+    EXPECT_EQ(played(Concatenate({drawing.File(false), Hex("2B000000 04000000")})), "RW")
+        << "a record too small";
+    EXPECT_EQ(played(Concatenate({drawing.File(false), Hex("2B000000 FFFFFFFF 00")})), "RW")
+        << "one too large";
+    EXPECT_EQ(played(EmfBuilder(2, 1)
+                         .Bounded(86, {0x7FFFFFFF})
+                         .Bounded(8, {-1, -1, -1})
+                         .Fill(Red)
+                         .Rectangle(0, 0, 1, 1)
+                         .File()),
+              "RW")
+        << "counts beyond their records";
+    EXPECT_FALSE(DecodeEmf(EmfBuilder(2, 1).File(false), {})) << "nothing drawn before the break";
+}
+
+TEST(EmfPlayer, SurvivesCoordinatesWithoutMeasure) {
+    EmfBuilder emf(3, 1);
+    const int far = 0x7FFFFFFF;
+    emf.Pen(1, 0, Black).Bounded(4, {4, -far, 0, far, 0, far, far, -far, 0});
+    emf.Record(41, {0, 0, -1, Float(1e30f), Float(1e30f)}).Record(45, {-far, -far, far, far, 0, 0, far, 0});
+    Transform(emf, 1e30f, 0, 0, 1e30f, 0, 0).Rectangle(-far, -far, far, far);
+    Transform(emf, 1, 0, 0, 1, 0, 0).Fill(Red).Rectangle(-far, -far, 1, far);
+    const Picture picture = Must(DecodeEmf(emf.File(), {}));
+    EXPECT_EQ(picture.At(0, 0), (Pixel{0, 0, 255, 255}));
+}
+
+}  // namespace
+}  // namespace tessara
