@@ -6,6 +6,7 @@
 
 #include "core/ByteReader.h"
 #include "core/Parallel.h"
+#include "core/rastx/Exif.h"
 #include "core/rastx/codecs/PsdColors.h"
 #include "core/rastx/codecs/PsdFormat.h"
 #include "core/rastx/codecs/PsdLayers.h"
@@ -116,7 +117,7 @@ void ReadResource(int id, Bytes data, Resources& resources) {
             resources.mergedPictureKept = data.size() < 5 || reader.U8() != 0;
             break;
         case 1058:
-            if (HasSignature(data, "II") || HasSignature(data, "MM")) resources.exif = data;
+            resources.exif = data;
             break;
         default:
             break;
@@ -243,8 +244,9 @@ Result<Picture> DecodePsd(Bytes file, const DecodeOptions& options) {
     TRY_ASSIGN(Picture picture, ChoosePicture(header, sections, resources, colors, options.limits));
     Metadata metadata;
     metadata.resolution = resources.resolution;
-    if (!resources.exif.empty())
-        metadata.exif = std::make_shared<const ByteVector>(resources.exif.begin(), resources.exif.end());
+    // The pixels are upright, whatever the camera once said.
+    if (ByteVector exif = UprightExif(resources.exif); !exif.empty())
+        metadata.exif = std::make_shared<const ByteVector>(std::move(exif));
     picture.SetMeta(std::move(metadata));
     return picture;
 }

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "core/rastx/ColorProfile.h"
+#include "core/rastx/Exif.h"
 #include "core/rastx/codecs/Jpg.h"
 #include "core/rastx/codecs/PspBitmap.h"
 #include "core/rastx/codecs/PspBlocks.h"
@@ -67,7 +68,6 @@ Result<void> ReadAttributes(PspContent content, Document& document, const Limits
 
 void ReadExtendedData(PspContent content, Document& document) {
     enum Keyword { kTransparentIndex = 0, kExif = 3 };
-    content.Chunk();
     ByteReader reader(content.Take(UINT64_MAX));
     while (HasSignature(reader.Rest(), std::string_view("~FL\0", 4))) {
         reader.Skip(4);
@@ -77,8 +77,8 @@ void ReadExtendedData(PspContent content, Document& document) {
             document.transparentIndex = ByteReader(data).U16Le();
         const std::string_view exifMark("Exif\0\0", 6);
         if (keyword == kExif && HasSignature(data, exifMark)) {
-            const Bytes exif = data.subspan(exifMark.size());
-            document.metadata.exif = std::make_shared<const ByteVector>(exif.begin(), exif.end());
+            ByteVector exif = UprightExif(data.subspan(exifMark.size()));
+            if (!exif.empty()) document.metadata.exif = std::make_shared<const ByteVector>(std::move(exif));
         }
     }
 }
