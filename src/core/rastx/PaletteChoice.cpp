@@ -114,8 +114,8 @@ std::vector<Box> CutBoxes(std::span<WeightedColor> colors, std::size_t count) {
 }
 
 std::size_t NearestTo(const WeightedColor& color, const NearestColor& nearest) {
-    const auto whole = [&](std::size_t c) { return static_cast<int>(std::lround(color.channels[c])); };
-    return nearest.Find(whole(0), whole(1), whole(2));
+    const auto whole = [&](std::size_t c) { return static_cast<std::uint8_t>(std::lround(color.channels[c])); };
+    return nearest.Find({whole(0), whole(1), whole(2), 255});
 }
 
 /// Moves each entry from `fixed` on to the mean of the colours that are nearest to it.
@@ -200,8 +200,8 @@ NearestColor::NearestColor(std::span<const Pixel> colors) {
     }
 }
 
-std::uint8_t NearestColor::Find(int b, int g, int r) const {
-    return static_cast<std::uint8_t>(FindNearest(b_.data(), g_.data(), r_.data(), b, g, r));
+std::uint8_t NearestColor::Find(Pixel color) const {
+    return static_cast<std::uint8_t>(FindNearest(b_.data(), g_.data(), r_.data(), color.b, color.g, color.r));
 }
 
 std::vector<Pixel> ChoosePalette(std::span<WeightedColor> colors, std::span<const Pixel> fixed,

@@ -16,7 +16,7 @@ class NearestColor {
   public:
     explicit NearestColor(std::span<const Pixel> colors);
     /// The index of the colour with the smallest squared distance; of equal ones the first.
-    std::uint8_t Find(int b, int g, int r) const;
+    std::uint8_t Find(Pixel color) const;
 
   private:
     alignas(64) std::array<std::int32_t, kMaximumColors> b_, g_, r_;

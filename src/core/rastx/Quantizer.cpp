@@ -18,13 +18,10 @@ constexpr std::size_t kMaximumFlatColors = 128;
 
 // Where no mixture of the palette reaches a colour the error would grow from pixel to pixel and then smear over
 // whatever comes next.
-constexpr int kErrorLimit = 24;
+constexpr std::int16_t kErrorLimit = 24;
 
 std::uint32_t Bits(Pixel pixel) {
     return std::bit_cast<std::uint32_t>(pixel);
-}
-std::uint8_t Clamped(int value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0, 255));
 }
 std::uint32_t Hash(Pixel pixel) {
     return Bits(pixel) * 2654435769u;
@@ -41,6 +38,36 @@ constexpr std::size_t kCells = std::size_t{1} << (3 * kCellBits);
 std::size_t CellOf(Pixel p) {
     return static_cast<std::size_t>(p.r >> kCellDrop) << (2 * kCellBits) |
            static_cast<std::size_t>(p.g >> kCellDrop) << kCellBits | static_cast<std::size_t>(p.b >> kCellDrop);
+}
+
+// The same for channels side by side.
+
+using Channels = Quantizer::Channels;
+
+Channels ChannelsOf(Pixel pixel) {
+    const std::uint64_t bits = Bits(pixel);
+    return std::bit_cast<Channels>((bits & 0xff) | (bits & 0xff00) << 8 | (bits & 0xff0000) << 16);
+}
+Channels Limited(Channels channels, std::int16_t low, std::int16_t high) {
+    const Channels lowest = Channels{} + low;
+    const Channels highest = Channels{} + high;
+    channels = channels < lowest ? lowest : channels;
+    return channels > highest ? highest : channels;
+}
+
+std::size_t CellOf(Channels color) {
+    const auto bits = std::bit_cast<std::uint64_t>(color >> kCellDrop);
+    const auto plane = [&](int position) {
+        return bits >> (16 - kCellBits) * position & ((1 << kCellBits) - 1) << (kCellBits * position);
+    };
+    return plane(0) | plane(1) | plane(2);
+}
+Pixel MiddleOf(std::size_t cell) {
+    const auto channel = [&](int position) {
+        const std::size_t plane = cell >> (position * kCellBits) & ((1 << kCellBits) - 1);
+        return static_cast<std::uint8_t>((plane << kCellDrop) + (1 << kCellDrop) / 2);
+    };
+    return {channel(0), channel(1), channel(2), 255};
 }
 
 /// Counts the colours of a picture by their upper six bits, with the means of the lower two; and the colours that fill
@@ -200,6 +227,7 @@ void Quantizer::ChooseColors() {
     std::vector<WeightedColor> colors = histogram.Colors();
     palette_ = ChoosePalette(colors, flat, size);
     nearest_.emplace(palette_);
+    std::ranges::transform(palette_, paletteChannels_.begin(), ChannelsOf);
     nearestOfCell_.resize(kCells);
     if (mayBeTransparent_) {
         transparentIndex_ = static_cast<std::uint8_t>(palette_.size());
@@ -228,42 +256,34 @@ void Quantizer::MapRow(std::span<const Pixel> row, std::span<std::uint8_t> index
     }
 }
 
-/// The entry nearest to the middle of a cell, found when it is first asked for.
-inline std::uint8_t Quantizer::NearestIndex(Pixel color) {
-    std::uint16_t& entry = nearestOfCell_[CellOf(color)];
-    if (entry == 0) [[unlikely]] {
-        const auto middle = [](int value) { return (value & ~kCellMask) + (kCellMask + 1) / 2; };
-        entry = static_cast<std::uint16_t>(
-            nearest_->Find(middle(color.b), middle(color.g), middle(color.r)) + 1);
-    }
+/// The entry nearest to the middle of the cell of a color, found when it is first asked for.
+inline std::uint8_t Quantizer::NearestIndex(Channels color) {
+    const std::size_t cell = CellOf(color);
+    std::uint16_t& entry = nearestOfCell_[cell];
+    if (entry == 0) [[unlikely]] entry = static_cast<std::uint16_t>(nearest_->Find(MiddleOf(cell)) + 1);
     return static_cast<std::uint8_t>(entry - 1);
 }
 
 void Quantizer::DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes) {
     const std::size_t last = row.size() - 1;
-    diffusion_.NextRow([&](int column, ColorError sixteenths) -> ColorError {
+    diffusion_.NextRow([&](int column, Channels sixteenths) -> Channels {
         const auto x = static_cast<std::size_t>(column);
         const Pixel pixel = row[x];
         if (pixel.a == 0) {
             indexes[x] = *transparentIndex_;
-            return {};
+            return Channels{};
         }
         // A flat area whose colour the palette holds takes no error from outside, and hands none on.
         if ((x > 0 && Bits(row[x - 1]) == Bits(pixel)) || (x < last && Bits(row[x + 1]) == Bits(pixel))) {
             if (const int flat = exactColors_.Find(pixel); flat != ExactColors::kNotFound) {
                 indexes[x] = static_cast<std::uint8_t>(flat);
-                return {};
+                return Channels{};
             }
         }
-        const auto corrected = [](int value, int error) { return value + ((error + 8) >> 4); };
-        const int b = corrected(pixel.b, sixteenths.b);
-        const int g = corrected(pixel.g, sixteenths.g);
-        const int r = corrected(pixel.r, sixteenths.r);
-        const std::uint8_t index = NearestIndex({Clamped(b), Clamped(g), Clamped(r), 255});
+        const Channels wanted = (ChannelsOf(pixel) * 16 + 8 + sixteenths) >> 4;
+        const std::uint8_t index = NearestIndex(Limited(wanted, 0, 255));
         indexes[x] = index;
-        const auto left = [](int error) { return std::clamp(error, -kErrorLimit, kErrorLimit); };
-        const Pixel chosen = palette_[index];
-        return {left(b - chosen.b), left(g - chosen.g), left(r - chosen.r)};
+        return Limited(wanted - paletteChannels_[index], -kErrorLimit, kErrorLimit);
     });
 }
 

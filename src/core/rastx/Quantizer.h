@@ -19,6 +19,9 @@ namespace tessara {
 /// `transparent` where one is named.
 class Quantizer {
   public:
+    /// The channels of a pixel or its error side by side, for arithmetic on all of them at once.
+    using Channels [[gnu::vector_size(8)]] = std::int16_t;
+
     explicit Quantizer(const Picture& picture, std::optional<ColorNumber> transparent = std::nullopt);
 
     /// All colours, the transparent entry included (it comes last).
@@ -28,13 +31,6 @@ class Quantizer {
     void NextRow(std::span<std::uint8_t> indexes);
 
   private:
-    /// Errors of the three channels.
-    struct ColorError {
-        int b = 0, g = 0, r = 0;
-        ColorError operator+(ColorError other) const { return {b + other.b, g + other.g, r + other.r}; }
-        ColorError operator*(int factor) const { return {b * factor, g * factor, r * factor}; }
-    };
-
     /// Opaque colours and their indexes, found by the whole colour.
     class ExactColors {
       public:
@@ -56,7 +52,7 @@ class Quantizer {
     void ChooseColors();
     void MapRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes) const;
     void DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes);
-    std::uint8_t NearestIndex(Pixel color);
+    std::uint8_t NearestIndex(Channels color);
 
     Picture picture_;
     std::optional<Pixel> transparentColor_;
@@ -69,9 +65,10 @@ class Quantizer {
     bool exact_ = false;
     ExactColors exactColors_;  ///< all colours, or those of flat areas, which are never dithered
 
+    std::array<Channels, kMaximumColors> paletteChannels_{};
     std::optional<NearestColor> nearest_;
     std::vector<std::uint16_t> nearestOfCell_;  ///< index + 1, 0 where not known yet
-    ErrorDiffusion<ColorError> diffusion_;
+    ErrorDiffusion<Channels> diffusion_;
 };
 
 }  // namespace tessara
