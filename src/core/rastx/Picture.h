@@ -90,6 +90,8 @@ class Picture {
     }
     Pixel At(int x, int y) const { return Row(y)[static_cast<std::size_t>(x)]; }
 
+    /// Whether a copy of this picture holds the same pixels, so that writing to them copies them first.
+    bool Shared() const { return buffer_.use_count() > 1; }
     /// The pixels for writing; makes them this copy's own first. Take the span once, outside of loops.
     std::span<Pixel> MutablePixels();
     std::span<Pixel> MutableRow(int y) {

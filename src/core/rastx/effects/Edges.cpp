@@ -1,0 +1,164 @@
+#include "core/rastx/effects/Edges.h"
+
+#include <cmath>
+
+#include "core/rastx/effects/Convolution.h"
+
+namespace tessara::effects {
+namespace {
+
+constexpr std::size_t kBlock =
+    256;  // bytes: what is computed per channel before the channels are put together
+
+TESSARA_ALWAYS_INLINE int Absolute(int value) {
+    return value < 0 ? -value : value;
+}
+
+/// Half the sum of both Sobel gradients of the byte at `i`; a step of 128 levels gives 255.
+TESSARA_ALWAYS_INLINE std::uint8_t Steepness(const Neighbours& rows, std::size_t i) {
+    const std::uint8_t* above = rows.above + i;
+    const std::uint8_t* here = rows.here + i;
+    const std::uint8_t* below = rows.below + i;
+    const auto x =
+        static_cast<std::int16_t>(above[4] + 2 * here[4] + below[4] - above[-4] - 2 * here[-4] - below[-4]);
+    const auto y =
+        static_cast<std::int16_t>(below[-4] + 2 * below[0] + below[4] - above[-4] - 2 * above[0] - above[4]);
+    const auto both = static_cast<std::int16_t>((Absolute(x) + Absolute(y)) >> 1);
+    return static_cast<std::uint8_t>(both > 255 ? 255 : both);
+}
+
+/// Slope of the byte at `i` towards the lower right; a step of 128 levels gives 256.
+TESSARA_ALWAYS_INLINE std::int16_t Slope(const Neighbours& rows, std::size_t i) {
+    const std::uint8_t* above = rows.above + i;
+    const std::uint8_t* here = rows.here + i;
+    const std::uint8_t* below = rows.below + i;
+    return static_cast<std::int16_t>(
+        (2 * below[4] + here[4] + below[0] - 2 * above[-4] - here[-4] - above[0]) >> 1);
+}
+
+/// Splits the row into blocks: `compute(i, k)` for each byte i of the row, k of the block; then
+/// `join(start, count)` for the block's pixels.
+template <typename Compute, typename Join>
+TESSARA_ALWAYS_INLINE void ForBlocks(std::size_t length, Compute compute, Join join) {
+    for (std::size_t start = 0; start < length; start += kBlock) {
+        const std::size_t count = length - start < kBlock ? length - start : kBlock;
+        for (std::size_t k = 0; k < count; ++k) compute(start + k, k);
+        join(start, count);
+    }
+}
+
+TESSARA_ALWAYS_INLINE std::uint32_t Largest(std::uint32_t pixel) {
+    const std::uint32_t blue = pixel & 255;
+    const std::uint32_t green = (pixel >> 8) & 255;
+    const std::uint32_t red = (pixel >> 16) & 255;
+    const std::uint32_t high = blue > green ? blue : green;
+    return high > red ? high : red;
+}
+
+TESSARA_MULTIVERSION void FindEdgesRow(const Neighbours& rows, std::size_t length,
+                                       std::uint8_t* __restrict out) {
+    std::uint8_t steepness[kBlock];
+    ForBlocks(
+        length, [&](std::size_t i, std::size_t k) { steepness[k] = Steepness(rows, i); },
+        [&](std::size_t start, std::size_t count) {
+            for (std::size_t k = 0; k < count; k += 4)
+                StorePixel(out + start + k, (255 - Largest(LoadPixel(steepness + k))) * 0x010101u);
+        });
+}
+
+TESSARA_MULTIVERSION void EnhanceEdgeRow(const Neighbours& rows, std::size_t length,
+                                         std::uint8_t* __restrict out) {
+    for (std::size_t i = 0; i < length; ++i) {
+        const std::uint8_t* above = rows.above + i;
+        const std::uint8_t* here = rows.here + i;
+        const std::uint8_t* below = rows.below + i;
+        const int around =
+            above[-4] + above[0] + above[4] + here[-4] + here[4] + below[-4] + below[0] + below[4];
+        const auto sum = static_cast<std::int16_t>(12 * here[0] - around + 2);
+        out[i] = static_cast<std::uint8_t>(ToByte(static_cast<std::int16_t>(sum >> 2)));
+    }
+}
+
+/// The brightest colour of the window at full strength, as bright as the edge is steep.
+TESSARA_MULTIVERSION void NeonRow(const Neighbours& rows, std::size_t length, std::uint8_t* __restrict out) {
+    std::uint8_t steepness[kBlock];
+    std::uint8_t brightest[kBlock];
+    const auto compute = [&](std::size_t i, std::size_t k) {
+        steepness[k] = Steepness(rows, i);
+        std::uint8_t most = rows.here[i];
+        most = rows.here[i + 4] > most ? rows.here[i + 4] : most;
+        most = rows.here[i - 4] > most ? rows.here[i - 4] : most;
+        most = rows.above[i] > most ? rows.above[i] : most;
+        most = rows.below[i] > most ? rows.below[i] : most;
+        brightest[k] = most;
+    };
+    ForBlocks(length, compute, [&](std::size_t start, std::size_t count) {
+        for (std::size_t k = 0; k < count; k += 4) {
+            const std::uint32_t color = LoadPixel(brightest + k);
+            const auto high = static_cast<float>(Largest(color) + 1);
+            const auto edge = static_cast<float>(Largest(LoadPixel(steepness + k)));
+            const auto channel = [&](std::uint32_t value) {
+                const float share = static_cast<float>(value) / high;
+                return static_cast<std::uint32_t>(ToByte(edge * share * share));
+            };
+            StorePixel(out + start + k, channel(color & 255) | (channel((color >> 8) & 255) << 8) |
+                                            (channel((color >> 16) & 255) << 16));
+        }
+    });
+}
+
+/// Light that spills over the surroundings of the edges.
+TESSARA_MULTIVERSION void AddGlowRow(const std::uint8_t* glow, std::size_t length,
+                                     std::uint8_t* __restrict row) {
+    for (std::size_t i = 0; i < length; ++i) {
+        const int sum = row[i] + 2 * glow[i];
+        row[i] = static_cast<std::uint8_t>(sum > 255 ? 255 : sum);
+    }
+}
+
+TESSARA_MULTIVERSION void EmbossRow(const Neighbours& rows, std::size_t length,
+                                    std::uint8_t* __restrict out) {
+    std::int16_t slopes[kBlock];
+    ForBlocks(
+        length, [&](std::size_t i, std::size_t k) { slopes[k] = Slope(rows, i); },
+        [&](std::size_t start, std::size_t count) {
+            for (std::size_t k = 0; k < count; k += 4) {
+                const int luma = (29 * slopes[k] + 150 * slopes[k + 1] + 77 * slopes[k + 2] + 128) >> 8;
+                StorePixel(out + start + k, static_cast<std::uint32_t>(ToByte(128 + luma)) * 0x010101u);
+            }
+        });
+}
+
+TESSARA_MULTIVERSION void EmbossColorRow(const Neighbours& rows, std::size_t length,
+                                         std::uint8_t* __restrict out) {
+    for (std::size_t i = 0; i < length; ++i)
+        out[i] = static_cast<std::uint8_t>(ToByte(static_cast<std::int16_t>(rows.here[i] + Slope(rows, i))));
+}
+
+}  // namespace
+
+Picture FindEdges(Picture picture, const EffectRun& run) {
+    return ChangeByNeighbours(std::move(picture), run, FindEdgesRow);
+}
+Picture EnhanceEdge(Picture picture, const EffectRun& run) {
+    return ChangeByNeighbours(std::move(picture), run, EnhanceEdgeRow);
+}
+Picture Emboss(Picture picture, const EffectRun& run) {
+    return ChangeByNeighbours(std::move(picture), run, EmbossRow);
+}
+Picture EmbossColor(Picture picture, const EffectRun& run) {
+    return ChangeByNeighbours(std::move(picture), run, EmbossColorRow);
+}
+
+Result<Picture> NeonTrace(const Picture& picture, const EffectRun& run) {
+    const int radius = std::max(1, std::min(picture.Width(), picture.Height()) / 150);
+    Picture edges = ChangeByNeighbours(picture, run, NeonRow);
+    TRY_ASSIGN(const Picture glow, BoxBlur(edges, radius, run));
+    return ChangeRows(std::move(edges), run, [&](std::span<Pixel> row, int y) {
+        const auto* light = reinterpret_cast<const std::uint8_t*>(glow.Row(y).data());
+        AddGlowRow(light, 4 * row.size(), BytesOf(row));
+        KeepAlpha(light, row);
+    });
+}
+
+}  // namespace tessara::effects
