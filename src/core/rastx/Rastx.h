@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "core/Parallel.h"
 #include "core/rastx/Codec.h"
 #include "core/rastx/Picture.h"
 
@@ -41,6 +42,10 @@ class Rastx {
         std::function<Result<Picture>()> captureScreen = {};
         /// Called after every change of the picture or of the rectangle.
         std::function<void()> changed = {};
+        /// Starts the random effects; without it they come out the same each time.
+        std::function<std::uint32_t()> randomSeed = {};
+        /// Of the effects.
+        int threads = HardwareThreads();
     };
 
     Rastx() = default;
@@ -76,6 +81,63 @@ class Rastx {
     Result<void> SaveAs(const ExportFormat& format, const std::string& path,
                         const EncodeOptions& options) const;
 
+    /// Recalculates the picture to the new size; `fast` is for viewers, which ask at every step of the zoom.
+    Result<void> Resample(int width, int height, bool fast);
+
+    // The effects; effects/EffectTable.h tells the ranges and defaults, the headers beside it what each does.
+    Result<void> FxAddNoise(int percent, bool monochromatic);
+    Result<void> FxAntiAlias();
+    Result<void> FxBlur();
+    Result<void> FxBrightness(int percent);
+    Result<void> FxButtonEllipse1(int depth, int weight);
+    Result<void> FxButtonEllipse2(int depth, int weight);
+    Result<void> FxButtonEllipse3(int depth, int weight);
+    Result<void> FxButtonSimple(int depth, int weight);
+    Result<void> FxButtonSmooth(int depth);
+    Result<void> FxColorBalance(int red, int green, int blue);
+    Result<void> FxColorize(int hue, int saturation, int luminance);
+    Result<void> FxContrast(int percent);
+    Result<void> FxDiffuse(int depth);
+    Result<void> FxEmboss();
+    Result<void> FxEmbossColor();
+    Result<void> FxEnhanceEdge();
+    Result<void> FxFindEdges();
+    Result<void> FxFishEye(float strength);
+    Result<void> FxFlipHorizontal();
+    Result<void> FxFlipVertical();
+    Result<void> FxGamma(float gamma);
+    Result<void> FxGrayScale();
+    Result<void> FxHighPass();
+    Result<void> FxMaskEllipse(ColorNumber color);
+    Result<void> FxMosaic(int cellWidth, int cellHeight);
+    Result<void> FxNegative();
+    Result<void> FxNeonTrace();
+    Result<void> FxPosterize(int bits);
+    Result<void> FxReflectLeftRight();
+    Result<void> FxReflectUpDown();
+    Result<void> FxRippleRandom(int depth);
+    Result<void> FxRippleSine(int depth);
+    Result<void> FxRippleTooth(int depth);
+    Result<void> FxRippleTriangle(int depth);
+    Result<void> FxRotate(int degrees, ColorNumber background);
+    Result<void> FxShakeLeftRight(float amount);
+    Result<void> FxShakeUpDown(float amount);
+    Result<void> FxSharpen();
+    Result<void> FxSoften();
+    Result<void> FxSolarize(int threshold);
+    Result<void> FxStretchDownLeft();
+    Result<void> FxStretchDownRight();
+    Result<void> FxStretchUpLeft();
+    Result<void> FxStretchUpRight();
+    Result<void> FxSwapGreenBlue();
+    Result<void> FxSwapRedBlue();
+    Result<void> FxSwapRedGreen();
+    Result<void> FxSwirl(int degrees);
+    Result<void> FxTexturedGlass(float scale, int chaos);
+    Result<void> FxTile1(int depth);
+    Result<void> FxTile2(int depth);
+    Result<void> FxWind(int depth);
+
     /// Where the mouse is, in picture pixels; extends the rectangle while a rubber band is being drawn.
     void MoveMouse(int x, int y);
     int MouseX() const { return mouseX_; }
@@ -95,6 +157,10 @@ class Rastx {
     void Changed() const {
         if (surroundings_.changed) surroundings_.changed();
     }
+
+    /// Runs an effect of effects/ on the picture; what it returns is the new picture.
+    template <typename Effect, typename... Arguments>
+    Result<void> Change(Effect effect, Arguments... arguments);
 
     Surroundings surroundings_;
     Picture picture_;

@@ -198,11 +198,9 @@ Picture ButtonEllipse3(Picture picture, int depth, int weight, const EffectRun& 
 
 Picture MaskEllipse(Picture picture, ColorNumber color, const EffectRun& run) {
     const Ellipse ellipse = EllipseIn(picture.Width(), picture.Height());
-    const Pixel fill = PixelFromColor(color);
-    std::uint32_t bits;
-    std::memcpy(&bits, &fill, sizeof bits);
+    const std::uint32_t fill = WordOf(PixelFromColor(color));
     return ChangeRows(std::move(picture), run, [&](std::span<Pixel> row, int y) {
-        MaskRow(ellipse, bits, y, row.size(), BytesOf(row));
+        MaskRow(ellipse, fill, y, row.size(), BytesOf(row));
     });
 }
 

@@ -80,38 +80,29 @@ TESSARA_MULTIVERSION void RaiseDetail(const std::uint8_t* source, std::size_t le
         mean[i] = static_cast<std::uint8_t>(ToByte(128 + source[i] - mean[i]));
 }
 
-/// Means along a row of column sums, four channels side by side.
-class RowMeans {
-  public:
-    RowMeans(int width, int radius)
-        : width_(width),
-          radius_(radius),
-          factor_(1.0f / static_cast<float>((2 * radius + 1) * (2 * radius + 1))) {}
-
-    void Write(const std::uint32_t* columns, std::span<Pixel> row) const {
-        typedef std::uint32_t Sums __attribute__((vector_size(16)));
-        typedef float Means __attribute__((vector_size(16)));
-        const auto column = [&](int x) {
-            Sums sums;
-            std::memcpy(&sums, columns + 4 * std::clamp(x, 0, width_ - 1), sizeof sums);
-            return sums;
-        };
-        Sums sum = {};
-        for (int x = -radius_ - 1; x < radius_; ++x) sum += column(x);
-        for (int x = 0; x < width_; ++x) {
-            sum += column(x + radius_) - column(x - radius_ - 1);
-            const Means mean = __builtin_convertvector(sum, Means) * factor_ + 0.5f;
-            row[static_cast<std::size_t>(x)] = {
-                static_cast<std::uint8_t>(mean[0]), static_cast<std::uint8_t>(mean[1]),
-                static_cast<std::uint8_t>(mean[2]), static_cast<std::uint8_t>(mean[3])};
-        }
+/// Means of 2 * radius + 1 column sums around each pixel; `columns` reaches radius + 1 pixels beyond either
+/// end.
+TESSARA_MULTIVERSION void WriteMeans(const std::uint32_t* columns, int radius, int width, std::uint8_t* out) {
+    typedef std::uint32_t Sums __attribute__((vector_size(16)));
+    typedef float Means __attribute__((vector_size(16)));
+    typedef std::int32_t Rounded __attribute__((vector_size(16)));
+    typedef std::uint8_t Channels __attribute__((vector_size(4)));
+    const auto column = [columns](int x) {
+        Sums sums;
+        std::memcpy(&sums, columns + 4 * static_cast<std::ptrdiff_t>(x), sizeof sums);
+        return sums;
+    };
+    const float side = static_cast<float>(2 * radius + 1);
+    const float factor = 1 / (side * side);
+    Sums sum = {};
+    for (int x = -radius - 1; x < radius; ++x) sum += column(x);
+    for (int x = 0; x < width; ++x) {
+        sum += column(x + radius) - column(x - radius - 1);
+        const Means mean = __builtin_convertvector(reinterpret_cast<Rounded&>(sum), Means) * factor + 0.5f;
+        const Channels channels = __builtin_convertvector(__builtin_convertvector(mean, Rounded), Channels);
+        std::memcpy(out + 4 * static_cast<std::ptrdiff_t>(x), &channels, sizeof channels);
     }
-
-  private:
-    int width_;
-    int radius_;
-    float factor_;
-};
+}
 
 /// Calls `finish(y, row)` for each row of means.
 template <typename Finish>
@@ -123,18 +114,23 @@ Result<Picture> BoxFilter(const Picture& picture, int radius, const EffectRun& r
     const auto bytes = [&](int y) {
         return reinterpret_cast<const std::uint8_t*>(picture.Row(std::clamp(y, 0, height - 1)).data());
     };
-    const RowMeans means(picture.Width(), radius);
     // A band begins with the sums of a whole window, so it should be several windows high.
     const int bandRows = std::max(RowsPerThread(picture.Width()), 4 * radius);
     ParallelRows(height, run.threads, bandRows, [&](int begin, int end) {
         const std::vector<std::uint8_t> nothing(4 * width);
-        std::vector<std::uint32_t> sums(4 * width);
+        const std::size_t margin = 4 * (static_cast<std::size_t>(radius) + 1);
+        std::vector<std::uint32_t> padded(4 * width + 2 * margin);
+        const std::span<std::uint32_t> sums = std::span(padded).subspan(margin, 4 * width);
         for (int y = begin - radius - 1; y < begin + radius; ++y)
             MoveColumnSums(bytes(y), nothing.data(), sums.size(), sums.data());
         for (int y = begin; y < end; ++y) {
             MoveColumnSums(bytes(y + radius), bytes(y - radius - 1), sums.size(), sums.data());
             const auto row = pixels.subspan(static_cast<std::size_t>(y) * width, width);
-            means.Write(sums.data(), row);
+            for (std::size_t i = 0; i < margin; ++i) {
+                padded[i] = sums[i % 4];
+                padded[margin + sums.size() + i] = sums[sums.size() - 4 + i % 4];
+            }
+            WriteMeans(sums.data(), radius, picture.Width(), BytesOf(row));
             finish(y, row);
             KeepAlpha(bytes(y), row);
         }

@@ -96,12 +96,54 @@ void SampleWithAlpha(const Picture& source, const Positions& positions, std::spa
 }
 
 /// How much of a pixel at `position` of an axis lies inside.
-TESSARA_ALWAYS_INLINE float Inside(float position, int side) {
+TESSARA_ALWAYS_INLINE float Inside(float position, float side) {
     const float before = position + 1;
-    const float behind = static_cast<float>(side) - position;
+    const float behind = side - position;
     const float least = before < behind ? before : behind;
     const float positive = least > 0 ? least : 0;
     return positive < 1 ? positive : 1;
+}
+
+/// The share of each pixel that lies inside; tells whether one is not whole.
+TESSARA_MULTIVERSION bool InsideShares(const Positions& positions, float width, float height, int count,
+                                       float* __restrict shares) {
+    int outside = 0;
+    for (int i = 0; i < count; ++i) {
+        const float share = Inside(positions.x[i], width) * Inside(positions.y[i], height);
+        shares[i] = share;
+        outside |= share < 1;
+    }
+    return outside != 0;
+}
+
+TESSARA_MULTIVERSION void BlendOpaque(std::uint32_t background, const float* shares, int count,
+                                      std::uint8_t* row) {
+    for (int i = 0; i < count; ++i) {
+        std::uint8_t* out = row + 4 * static_cast<std::ptrdiff_t>(i);
+        const std::uint32_t pixel = LoadPixel(out);
+        const auto share = static_cast<int>(shares[i] * 256 + 0.5f);
+        const auto mix = [&](int shift) {
+            const int color = static_cast<int>((pixel >> shift) & 255);
+            const int behind = static_cast<int>((background >> shift) & 255);
+            return static_cast<std::uint32_t>(behind + (((color - behind) * share + 128) >> 8)) << shift;
+        };
+        StorePixel(out, mix(0) | mix(8) | mix(16) | kAlphaBits);
+    }
+}
+
+void BlendStraight(Pixel background, const float* shares, std::span<Pixel> out) {
+    for (std::size_t i = 0; i < out.size(); ++i) {
+        if (shares[i] >= 1) continue;
+        const float alpha = static_cast<float>(out[i].a) * shares[i];
+        const float whole = alpha + 255 * (1 - shares[i]);
+        const float share = alpha / whole;  // of the picture's colour
+        const auto mix = [share](std::uint8_t color, std::uint8_t behind) {
+            return static_cast<std::uint8_t>(
+                ToByte(static_cast<float>(color) * share + static_cast<float>(behind) * (1 - share)));
+        };
+        out[i] = {mix(out[i].b, background.b), mix(out[i].g, background.g), mix(out[i].r, background.r),
+                  static_cast<std::uint8_t>(ToByte(whole))};
+    }
 }
 
 }  // namespace
@@ -147,19 +189,15 @@ void SamplePixels(const Picture& source, const Positions& positions, std::span<P
 }
 
 void BlendOutside(const Picture& source, const Positions& positions, Pixel background, std::span<Pixel> out) {
-    for (std::size_t i = 0; i < out.size(); ++i) {
-        const float inside = Inside(positions.x[i], source.Width()) * Inside(positions.y[i], source.Height());
-        if (inside >= 1) continue;
-        const float alpha = static_cast<float>(out[i].a) * inside;
-        const float whole = alpha + 255 * (1 - inside);
-        const float share = alpha / whole;  // of the picture's colour
-        const auto mix = [share](std::uint8_t color, std::uint8_t behind) {
-            return static_cast<std::uint8_t>(
-                ToByte(static_cast<float>(color) * share + static_cast<float>(behind) * (1 - share)));
-        };
-        out[i] = {mix(out[i].b, background.b), mix(out[i].g, background.g), mix(out[i].r, background.r),
-                  static_cast<std::uint8_t>(ToByte(whole))};
-    }
+    float shares[Positions::kMost];
+    const int count = static_cast<int>(out.size());
+    if (!InsideShares(positions, static_cast<float>(source.Width()), static_cast<float>(source.Height()),
+                      count, shares))
+        return;
+    if (source.HasAlpha())
+        BlendStraight(background, shares, out);
+    else
+        BlendOpaque(WordOf(background), shares, count, BytesOf(out));
 }
 
 }  // namespace tessara::effects

@@ -46,6 +46,11 @@ TESSARA_ALWAYS_INLINE std::uint32_t LoadPixel(const std::uint8_t* bytes) {
 TESSARA_ALWAYS_INLINE void StorePixel(std::uint8_t* bytes, std::uint32_t value) {
     std::memcpy(bytes, &value, 4);
 }
+inline std::uint32_t WordOf(Pixel pixel) {
+    std::uint32_t value;
+    std::memcpy(&value, &pixel, 4);
+    return value;
+}
 inline constexpr std::uint32_t kColorBits = 0x00ffffff;
 inline constexpr std::uint32_t kAlphaBits = 0xff000000;
 
