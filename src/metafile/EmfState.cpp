@@ -58,7 +58,7 @@ void EmfPlayer::SetWorldTransform(Record& record) {
 }
 
 void EmfPlayer::ModifyWorldTransform(Record& record) {
-    enum Mode : std::uint32_t { kIdentity = 1, kLeft = 2, kRight = 3, kSet = 4 };
+    enum Mode : std::uint32_t { kIdentity = 1, kLeftMultiply = 2, kRightMultiply = 3, kSet = 4 };
     const QTransform given = ReadTransform(record.reader);
     const QTransform& world = State().mapping.world;
     QTransform changed = world;
@@ -66,10 +66,10 @@ void EmfPlayer::ModifyWorldTransform(Record& record) {
         case kIdentity:
             changed = {};
             break;
-        case kLeft:
+        case kLeftMultiply:
             changed = given * world;
             break;
-        case kRight:
+        case kRightMultiply:
             changed = world * given;
             break;
         case kSet:

@@ -155,7 +155,7 @@ TESSARA_MULTIVERSION void StorePaeth(const std::uint8_t* row, const std::uint8_t
         const auto fromUp = static_cast<std::int16_t>(horizontal < 0 ? -horizontal : horizontal);
         const auto fromCorner = static_cast<std::int16_t>(sum < 0 ? -sum : sum);
         const std::int16_t upOrCorner = fromUp <= fromCorner ? up : corner;
-        const std::int16_t predicted = (fromLeft <= fromUp) & (fromLeft <= fromCorner) ? left : upOrCorner;
+        const std::int16_t predicted = ((fromLeft <= fromUp) & (fromLeft <= fromCorner)) ? left : upOrCorner;
         out[i] = static_cast<std::uint8_t>(row[i] - predicted);
     }
 }
