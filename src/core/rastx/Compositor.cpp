@@ -376,10 +376,11 @@ std::uint64_t Prepare(std::vector<Layer>& layers, const Box& canvas) {
 
 }  // namespace
 
-Result<void> LayerBudget::Take(const Box& box) {
-    const std::uint64_t area = box.Area();
-    if (area > pixelsLeft_) return TooBig("the layers need too much memory");
-    pixelsLeft_ -= area;
+Result<void> LayerBudget::Take(const Box& stored, const Box& shown) {
+    if (shown.Area() > shownLeft_ || stored.Area() > storedLeft_)
+        return TooBig("the layers need too much memory");
+    shownLeft_ -= shown.Area();
+    storedLeft_ -= stored.Area();
     return {};
 }
 

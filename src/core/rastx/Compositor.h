@@ -105,15 +105,25 @@ struct Layer {
 /// How deep groups may lie inside one another.
 inline constexpr int kMostNestedGroups = 32;
 
-/// Adds up the memory of a document's layers, so that a small file cannot ask for any amount of it: together
-/// they may take as much as a picture.
+/// Adds up what a document's layers take, so that a small file cannot ask for any amount: together they may
+/// take as much memory as a picture, and unpack a few times as many pixels.
 class LayerBudget {
   public:
-    explicit LayerBudget(const Limits& limits) : pixelsLeft_(limits.decodedBytes / sizeof(Pixel)) {}
-    Result<void> Take(const Box& box);
+    explicit LayerBudget(const Limits& limits)
+        : shownLeft_(limits.decodedBytes / sizeof(Pixel)), storedLeft_(kMostStored * shownLeft_) {}
+    /// No layer is that much larger than its canvas: a size that a damaged file made up costs the layer, not
+    /// the picture.
+    static bool Plausible(const Box& stored, const Box& canvas) {
+        constexpr std::uint64_t kAlways = 64 << 20;
+        return stored.Area() <= 4 * canvas.Area() + kAlways;
+    }
+    /// `stored`: what has to be unpacked; `shown`: the part of it that is kept.
+    Result<void> Take(const Box& stored, const Box& shown);
 
   private:
-    std::uint64_t pixelsLeft_;
+    static constexpr std::uint64_t kMostStored = 4;
+    std::uint64_t shownLeft_;
+    std::uint64_t storedLeft_;
 };
 
 /// Lays the layers over one another, the first at the bottom, on a transparent canvas. Layers and masks reach

@@ -100,7 +100,8 @@ void ReadResource(int id, Bytes data, Resources& resources) {
             const double x = reader.U32Be() / 65536.0;
             reader.Skip(4);
             const double y = reader.U32Be() / 65536.0;
-            if (!reader.Overrun()) resources.resolution = {x, y};
+            // Some writers store 1/65536 for a resolution that they do not know.
+            if (x >= 1 && y >= 1) resources.resolution = {x, y};
             break;
         }
         case 1039:

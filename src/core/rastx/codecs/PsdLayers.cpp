@@ -227,8 +227,6 @@ class LayerBuilder {
     /// The planes of one channel; none where they are missing or broken, which costs the channel and not the
     /// picture.
     std::optional<PsdPlanes> Open(const PsdLayerRecord& record, int id, const Box& box) const {
-        constexpr std::int64_t kMostSide = 300'000;
-        if (box.Width() > kMostSide || box.Height() > kMostSide) return std::nullopt;
         const PsdPlanes::Shape shape = {
             .width = box.Width(), .height = box.Height(), .depth = header_.depth, .large = header_.large};
         Result<PsdPlanes> planes = PsdPlanes::Open(record.Samples(id), shape, limits_.decodedBytes);
@@ -249,7 +247,8 @@ class LayerBuilder {
 
     Result<void> LoadPixels(const PsdLayerRecord& record, Layer& layer) {
         const Box part = record.box.Intersected(Canvas());
-        if (part.Empty()) return {};
+        if (part.Empty() || !LayerBudget::Plausible(record.box, Canvas())) return {};
+        TRY(budget_.Take(record.box, part));
         std::array<std::optional<PsdPlanes>, 5> planes;
         const auto colorPlanes = static_cast<std::size_t>(colors_.Planes());
         for (std::size_t i = 0; i < colorPlanes; ++i)
@@ -257,7 +256,6 @@ class LayerBuilder {
         planes[4] = Open(record, -1, record.box);
         if (!planes[0]) return {};
 
-        TRY(budget_.Take(part));
         TRY_ASSIGN(layer.picture, Picture::Create(part.Width(), part.Height(), Alpha::Straight, limits_));
         layer.left = static_cast<int>(part.left);
         layer.top = static_cast<int>(part.top);
@@ -289,11 +287,13 @@ class LayerBuilder {
         std::optional<PsdPlanes> planes;
         if (mask.box.Empty()) {
             mask.box = {};  // only its outside is on the canvas
+        } else if (!LayerBudget::Plausible(stored.box, Canvas())) {
+            return {};  // better not applied than guessed
         } else {
+            TRY(budget_.Take(stored.box, mask.box));
             planes = Open(record, -2, stored.box);
-            if (!planes) return {};  // better not applied than guessed
+            if (!planes) return {};
         }
-        TRY(budget_.Take(mask.box));
         mask.values.assign(mask.box.Area(), mask.outside);
         const auto width = static_cast<std::size_t>(mask.box.Width());
         ByteVector scratch;

@@ -136,20 +136,14 @@ class LayerBuilder {
         return layer;
     }
 
-    /// Sizes that no layer of this canvas has: better left out than believed.
-    bool Plausible(const Box& box) const {
-        constexpr std::uint64_t kAlways = 64 << 20;
-        return box.Area() <= 4 * canvas_.Area() + kAlways;
-    }
-
     Result<void> LoadPixels(const PspLayer& stored, Layer& layer) {
         const Box part = stored.box.Intersected(canvas_);
-        if (part.Empty() || !Plausible(stored.box)) return {};
+        if (part.Empty() || !LayerBudget::Plausible(stored.box, canvas_)) return {};
+        TRY(budget_.Take(stored.box, part));
         TRY_ASSIGN(const PspBitmap bitmap,
                    PspBitmap::Open(stored.channels, PspChannel::Use::Color, PspChannel::Use::Alpha, layout_,
                                    stored.box.Width(), stored.box.Height(), limits_));
         if (bitmap.UsableRows() == 0) return {};
-        TRY(budget_.Take(part));
         TRY_ASSIGN(layer.picture, Picture::Create(part.Width(), part.Height(), Alpha::Straight, limits_));
         layer.left = static_cast<int>(part.left);
         layer.top = static_cast<int>(part.top);
@@ -166,8 +160,8 @@ class LayerBuilder {
         LayerMask mask;
         mask.outside = inversion;
         mask.box = box.Intersected(canvas_);
-        if (mask.box.Empty() || !Plausible(box)) mask.box = {};
-        TRY(budget_.Take(mask.box));
+        if (mask.box.Empty() || !LayerBudget::Plausible(box, canvas_)) mask.box = {};
+        if (!mask.box.Empty()) TRY(budget_.Take(box, mask.box));
         mask.values.assign(mask.box.Area(), mask.outside);
         if (!mask.box.Empty()) {
             const int bits = layout_.BitsPerSample() == 16 ? 16 : 8;
