@@ -220,14 +220,12 @@ Palette TwoColorPalette(const Palette& palette) {
     return Palette{kBlack, kWhite};
 }
 
+/// Version 3 says that there is no palette, but other readers and writers go by what stands there.
 Palette SmallPalette(const Header& header) {
-    const bool stored = header.version != 0 && header.version != 3 &&
-                        std::ranges::any_of(header.palette, [](std::uint8_t value) { return value != 0; });
     Palette palette = HeaderPalette(header);
-    if (header.bits == 1 && header.planes == 1)
-        return stored ? TwoColorPalette(palette) : Palette{kBlack, kWhite};
+    if (header.bits == 1 && header.planes == 1) return TwoColorPalette(palette);
     if (header.bits == 2) return IsFourColorPalette(header, palette) ? palette : CgaPalette(header);
-    if (!stored)
+    if (std::ranges::all_of(header.palette, [](std::uint8_t value) { return value == 0; }))
         for (unsigned i = 0; i < 16; ++i) palette[i] = AdapterColor(i);
     return palette;
 }
