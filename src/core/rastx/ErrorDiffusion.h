@@ -4,8 +4,8 @@
 
 namespace tessara {
 
-/// Floyd-Steinberg error diffusion, row by row from the top; every second row runs from right to left, so that the
-/// patterns do not lean to one side.
+/// Floyd-Steinberg error diffusion, row by row from the top; every second row runs from right to left, so
+/// that the patterns do not lean to one side.
 ///
 /// `Error` is a number or a group of channels with +, * int; errors are handed on in sixteenths.
 template <typename Error>
@@ -13,8 +13,8 @@ class ErrorDiffusion {
   public:
     explicit ErrorDiffusion(int width) : width_(width), errors_(static_cast<std::size_t>(width) + 2) {}
 
-    /// Calls `choose(x, sixteenths)` for each pixel of the next row: it is told the error that has gathered at x and
-    /// returns the error that it leaves, in whole steps.
+    /// Calls `choose(x, sixteenths)` for each pixel of the next row: it is told the error that has gathered
+    /// at x and returns the error that it leaves, in whole steps.
     template <typename Choose>
     void NextRow(const Choose& choose) {
         if (leftward_)

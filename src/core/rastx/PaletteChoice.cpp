@@ -30,12 +30,10 @@ struct Moments {
         for (std::size_t c = 0; c < 3; ++c) sum[c] += double{color.weight} * color.channels[c];
     }
     Moments operator+(const Moments& other) const {
-        return {weight + other.weight,
-                {sum[0] + other.sum[0], sum[1] + other.sum[1], sum[2] + other.sum[2]}};
+        return {weight + other.weight, {sum[0] + other.sum[0], sum[1] + other.sum[1], sum[2] + other.sum[2]}};
     }
     Moments operator-(const Moments& other) const {
-        return {weight - other.weight,
-                {sum[0] - other.sum[0], sum[1] - other.sum[1], sum[2] - other.sum[2]}};
+        return {weight - other.weight, {sum[0] - other.sum[0], sum[1] - other.sum[1], sum[2] - other.sum[2]}};
     }
     /// What the mean explains of the squares; the sum of squares less this is the variance.
     double Explained() const {
@@ -102,9 +100,9 @@ std::vector<Box> CutBoxes(std::span<WeightedColor> colors, std::size_t count) {
     while (boxes.size() < count) {
         Box& box = *std::ranges::max_element(boxes, {}, &Box::gain);
         if (box.gain <= 0) break;
-        const auto above = std::partition(
-            box.colors.begin(), box.colors.end(),
-            [&](const WeightedColor& color) { return color.channels[box.axis] < box.edge; });
+        const auto above =
+            std::partition(box.colors.begin(), box.colors.end(),
+                           [&](const WeightedColor& color) { return color.channels[box.axis] < box.edge; });
         const auto below = static_cast<std::size_t>(above - box.colors.begin());
         const Box second = MakeBox(box.colors.subspan(below));
         box = MakeBox(box.colors.first(below));
@@ -114,7 +112,9 @@ std::vector<Box> CutBoxes(std::span<WeightedColor> colors, std::size_t count) {
 }
 
 std::size_t NearestTo(const WeightedColor& color, const NearestColor& nearest) {
-    const auto whole = [&](std::size_t c) { return static_cast<std::uint8_t>(std::lround(color.channels[c])); };
+    const auto whole = [&](std::size_t c) {
+        return static_cast<std::uint8_t>(std::lround(color.channels[c]));
+    };
     return nearest.Find({whole(0), whole(1), whole(2), 255});
 }
 
@@ -141,7 +141,8 @@ struct Vector {
     float Dot(Vector other) const { return v[0] * other.v[0] + v[1] * other.v[1] + v[2] * other.v[2]; }
 };
 
-/// From the mean of an entry's neighbours to the entry: about zero amidst others, long at the rim of the palette.
+/// From the mean of an entry's neighbours to the entry: about zero amidst others, long at the rim of the
+/// palette.
 Vector OutwardOf(std::size_t entry, std::span<const Pixel> palette) {
     constexpr std::size_t kNeighbours = 6;
     std::vector<Vector> ways;
@@ -163,8 +164,8 @@ Pixel Moved(Pixel from, Vector by) {
     return {channel(from.b, by.v[0]), channel(from.g, by.v[1]), channel(from.r, by.v[2]), 255};
 }
 
-/// Moves the entries at the rim of the palette outwards, at most to the outermost of their colours. Dithering mixes
-/// entries, and no mixture lies outside of them: means alone leave every colour near the rim dull.
+/// Moves the entries at the rim of the palette outwards, at most to the outermost of their colours. Dithering
+/// mixes entries, and no mixture lies outside of them: means alone leave every colour near the rim dull.
 void SpreadRim(std::span<const WeightedColor> colors, std::size_t fixed, std::vector<Pixel>& palette) {
     constexpr float kStep = 0.8f;  // measured: the best fidelity of the blurred result over many pictures
     std::vector<Vector> outward(palette.size());

@@ -28,10 +28,10 @@ struct WeightedColor {
     float weight;
 };
 
-/// Up to `size` colours for a picture whose colours are `colors` (which are reordered): boxes of them are cut in two
-/// where that lowers the variance most (X. Wu, "Color quantization by dynamic programming and principal analysis",
-/// 1992, in its greedy form), the means move to where the colours nearest to them are (k-means), and the outer ones
-/// spread. `fixed` are in the palette in any case, first and unchanged.
+/// Up to `size` colours for a picture whose colours are `colors` (which are reordered): boxes of them are cut
+/// in two where that lowers the variance most (X. Wu, "Color quantization by dynamic programming and
+/// principal analysis", 1992, in its greedy form), the means move to where the colours nearest to them are
+/// (k-means), and the outer ones spread. `fixed` are in the palette in any case, first and unchanged.
 std::vector<Pixel> ChoosePalette(std::span<WeightedColor> colors, std::span<const Pixel> fixed,
                                  std::size_t size);
 

@@ -11,13 +11,13 @@ namespace {
 
 constexpr std::uint8_t kOpaqueFrom = 128;
 
-// A colour that fills twice the area of an average entry, in runs, gets an entry of its own; at least half of the
-// palette is left for the rest.
+// A colour that fills twice the area of an average entry, in runs, gets an entry of its own; at least half of
+// the palette is left for the rest.
 constexpr std::uint64_t kFlatShare = 128;
 constexpr std::size_t kMaximumFlatColors = 128;
 
-// Where no mixture of the palette reaches a colour the error would grow from pixel to pixel and then smear over
-// whatever comes next.
+// Where no mixture of the palette reaches a colour the error would grow from pixel to pixel and then smear
+// over whatever comes next.
 constexpr std::int16_t kErrorLimit = 24;
 
 std::uint32_t Bits(Pixel pixel) {
@@ -37,7 +37,8 @@ constexpr std::size_t kCells = std::size_t{1} << (3 * kCellBits);
 
 std::size_t CellOf(Pixel p) {
     return static_cast<std::size_t>(p.r >> kCellDrop) << (2 * kCellBits) |
-           static_cast<std::size_t>(p.g >> kCellDrop) << kCellBits | static_cast<std::size_t>(p.b >> kCellDrop);
+           static_cast<std::size_t>(p.g >> kCellDrop) << kCellBits |
+           static_cast<std::size_t>(p.b >> kCellDrop);
 }
 
 // The same for channels side by side.
@@ -70,8 +71,8 @@ Pixel MiddleOf(std::size_t cell) {
     return {channel(0), channel(1), channel(2), 255};
 }
 
-/// Counts the colours of a picture by their upper six bits, with the means of the lower two; and the colours that fill
-/// areas, each by itself.
+/// Counts the colours of a picture by their upper six bits, with the means of the lower two; and the colours
+/// that fill areas, each by itself.
 class ColorHistogram {
   public:
     ColorHistogram() : cells_(kCells), flat_(kFlatSlots) {}
@@ -250,7 +251,8 @@ void Quantizer::MapRow(std::span<const Pixel> row, std::span<std::uint8_t> index
     for (std::size_t x = 0; x < row.size(); ++x) {
         if (Bits(row[x]) != Bits(previous)) {
             previous = row[x];
-            index = previous.a == 0 ? *transparentIndex_ : static_cast<std::uint8_t>(exactColors_.Find(previous));
+            index =
+                previous.a == 0 ? *transparentIndex_ : static_cast<std::uint8_t>(exactColors_.Find(previous));
         }
         indexes[x] = index;
     }
@@ -260,7 +262,8 @@ void Quantizer::MapRow(std::span<const Pixel> row, std::span<std::uint8_t> index
 inline std::uint8_t Quantizer::NearestIndex(Channels color) {
     const std::size_t cell = CellOf(color);
     std::uint16_t& entry = nearestOfCell_[cell];
-    if (entry == 0) [[unlikely]] entry = static_cast<std::uint16_t>(nearest_->Find(MiddleOf(cell)) + 1);
+    if (entry == 0) [[unlikely]]
+        entry = static_cast<std::uint16_t>(nearest_->Find(MiddleOf(cell)) + 1);
     return static_cast<std::uint8_t>(entry - 1);
 }
 

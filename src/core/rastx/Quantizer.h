@@ -14,9 +14,9 @@ namespace tessara {
 
 /// Turns a picture into indexes of a palette of up to 256 colours.
 ///
-/// A picture that has few enough colours is kept exactly; otherwise the palette is chosen for it and errors are
-/// diffused. Pixels with alpha below 128 become transparent, others are composed on white; so do pixels of the colour
-/// `transparent` where one is named.
+/// A picture that has few enough colours is kept exactly; otherwise the palette is chosen for it and errors
+/// are diffused. Pixels with alpha below 128 become transparent, others are composed on white; so do pixels
+/// of the colour `transparent` where one is named.
 class Quantizer {
   public:
     /// The channels of a pixel or its error side by side, for arithmetic on all of them at once.

@@ -169,8 +169,8 @@ class CodeReader {
 
 /// Decodes LZW codes to palette indexes.
 ///
-/// Every string of the table once was part of the output: the string of the code before and the first index of
-/// the next one stand there side by side. So a table entry is a place in the output, and a string is
+/// Every string of the table once was part of the output: the string of the code before and the first index
+/// of the next one stand there side by side. So a table entry is a place in the output, and a string is
 /// copied from there at once instead of being spelled backwards link by link.
 class LzwDecoder {
   public:
@@ -331,8 +331,8 @@ Result<Picture> DecodeGif(Bytes file, const DecodeOptions& options) {
 
     // The screen's background colour has not been shown by anyone for decades: it is transparent.
     const bool seeThrough = frame.transparentIndex >= 0 || frame.width < width || frame.height < height;
-    TRY_ASSIGN(Picture picture, Picture::Create(width, height, seeThrough ? Alpha::Straight : Alpha::None,
-                                                options.limits));
+    TRY_ASSIGN(Picture picture,
+               Picture::Create(width, height, seeThrough ? Alpha::Straight : Alpha::None, options.limits));
     PaintFrame(frame, indexes, seeThrough ? kTransparent : kWhite, picture);
     picture.DropUnusedAlpha();
     return picture;
@@ -360,7 +360,8 @@ class LzwEncoder {
         for (; i < indexes.size(); ++i) {
             const std::uint32_t key = prefix << 8 | indexes[i];
             std::uint32_t slot = key * 2654435769u >> (32 - kSlotBits);
-            while (slots_[slot] >> kLargestCodeSize != key && slots_[slot] != kEmpty) slot = (slot + 1) % kSlots;
+            while (slots_[slot] >> kLargestCodeSize != key && slots_[slot] != kEmpty)
+                slot = (slot + 1) % kSlots;
             if (slots_[slot] != kEmpty) {
                 prefix = slots_[slot] % kCodes;
                 continue;
@@ -379,8 +380,8 @@ class LzwEncoder {
     }
 
   private:
-    // A slot holds a string (the code of its head, 12 bits, and its last index, 8 bits) and its own code in 12
-    // bits: the whole table fits into the first cache.
+    // A slot holds a string (the code of its head, 12 bits, and its last index, 8 bits) and its own code in
+    // 12 bits: the whole table fits into the first cache.
     static constexpr int kSlotBits = 13;
     static constexpr std::uint32_t kSlots = 1u << kSlotBits;
     static constexpr std::uint32_t kEmpty = 0xffffffff;  // would begin with code 4095, which is never used
@@ -443,7 +444,8 @@ class CodeWriter {
     Result<void> WriteFullBlocks() {
         ByteWriter framed;
         Bytes rest(packed_.data(), used_);
-        for (; rest.size() >= kBlock; rest = rest.subspan(kBlock)) framed.U8(kBlock).Append(rest.first(kBlock));
+        for (; rest.size() >= kBlock; rest = rest.subspan(kBlock))
+            framed.U8(kBlock).Append(rest.first(kBlock));
         std::copy(rest.begin(), rest.end(), packed_.begin());
         used_ = rest.size();
         return sink_.Write(framed.Written());
