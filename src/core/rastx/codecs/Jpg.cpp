@@ -211,7 +211,8 @@ int Reader::ReadRows(std::uint8_t* pixels, int count) {
             const JDIMENSION done = jpeg_.output_scanline - first;
             const auto wanted = std::min<JDIMENSION>(end - jpeg_.output_scanline, rows.size());
             for (JDIMENSION i = 0; i < wanted; ++i) rows[i] = pixels + (done + i) * stride;
-            jpeg_read_scanlines(&jpeg_, rows.data(), wanted);
+            // Behind damage the library may wait for input that will never come.
+            if (jpeg_read_scanlines(&jpeg_, rows.data(), wanted) == 0) break;
         }
     }));
     return static_cast<int>(jpeg_.output_scanline - first);
