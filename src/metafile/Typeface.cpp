@@ -3,6 +3,7 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <algorithm>
+#include <cstdio>
 #include <mutex>
 
 #include "metafile/CodePage.h"
@@ -136,6 +137,15 @@ const Typeface& TypefaceCache::Find(const Font& font) {
     return *typeface;
 }
 
+namespace {
+
+/// The toolkit's remarks about the system are of no use to somebody who converts a file.
+void PassOverRemarks(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    if (type == QtFatalMsg) std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+}
+
+}  // namespace
+
 void EnsureFontsAvailable() {
     static std::once_flag once;
     std::call_once(once, [] {
@@ -143,6 +153,7 @@ void EnsureFontsAvailable() {
         static int count = 3;
         static char name[] = "tessara", option[] = "-platform", platform[] = "offscreen";
         static char* arguments[] = {name, option, platform, nullptr};
+        qInstallMessageHandler(PassOverRemarks);
         // Never deleted: nothing says when the last picture is drawn, and the process's end frees it.
         new QGuiApplication(count, arguments);
     });
