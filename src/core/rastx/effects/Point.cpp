@@ -77,8 +77,9 @@ TESSARA_MULTIVERSION void GreyRow(std::uint8_t* bytes, std::size_t length) {
 }
 
 TESSARA_MULTIVERSION void SwapRedBlueRow(std::uint8_t* bytes, std::size_t length) {
-    ChangePixels(bytes, length,
-                 [](std::uint32_t pixel) { return (pixel & 0xff00) | (pixel >> 16) | (pixel << 16); });
+    ChangePixels(bytes, length, [](std::uint32_t pixel) {
+        return (pixel & 0xff00) | ((pixel >> 16) & 0xff) | (pixel << 16);
+    });
 }
 TESSARA_MULTIVERSION void SwapRedGreenRow(std::uint8_t* bytes, std::size_t length) {
     ChangePixels(bytes, length, [](std::uint32_t pixel) {
