@@ -112,8 +112,8 @@ class Reader {
     /// Reads rows of four bytes a pixel one behind the other; fewer where the library gives up.
     int ReadRows(std::uint8_t* pixels, int count);
 
-    int Width() const { return static_cast<int>(jpeg_.image_width); }
-    int Height() const { return static_cast<int>(jpeg_.image_height); }
+    int Width() const { return static_cast<int>(frame_.width); }
+    int Height() const { return static_cast<int>(frame_.height); }
     bool HasInks() const { return jpeg_.jpeg_color_space == JCS_CMYK || jpeg_.jpeg_color_space == JCS_YCCK; }
     bool IsGrey() const { return jpeg_.jpeg_color_space == JCS_GRAYSCALE; }
     /// Rows of a line of blocks: the unit in which data can be missing.
@@ -130,14 +130,33 @@ class Reader {
     Failure LibraryFailure() { return FailureOf(errors_, Common()); }
     std::uint64_t BlockCount() const;
     Result<void> GatherScans();
-    /// From here on the library sees the end of the file.
+    void RememberFrame() {
+        frame_ = {jpeg_.image_width,    jpeg_.image_height,     jpeg_.data_precision,
+                  jpeg_.num_components, jpeg_.progressive_mode, jpeg_.arith_code};
+    }
+    /// From here on the library sees the end of the file, and the picture that it has begun.
     void EndInput() {
+        jpeg_.image_width = frame_.width;
+        jpeg_.image_height = frame_.height;
+        jpeg_.data_precision = frame_.precision;
+        jpeg_.num_components = frame_.components;
+        jpeg_.progressive_mode = frame_.progressive;
+        jpeg_.arith_code = frame_.arithmetic;
         jpeg_.src->bytes_in_buffer = 0;
         jpeg_.unread_marker = 0;
     }
 
+    /// The library takes these fields over from a second frame before it refuses that: its memory and ours
+    /// are laid out for the first.
+    struct Frame {
+        JDIMENSION width = 0, height = 0;
+        int precision = 0, components = 0;
+        boolean progressive = FALSE, arithmetic = FALSE;
+    };
+
     ErrorState errors_;
     jpeg_decompress_struct jpeg_{};
+    Frame frame_;
 };
 
 Result<void> Reader::ReadHeader(Bytes file) {
@@ -149,6 +168,7 @@ Result<void> Reader::ReadHeader(Bytes file) {
         jpeg_read_header(&jpeg_, TRUE);
     });
     if (!read) return LibraryFailure();
+    RememberFrame();
     return {};
 }
 
@@ -201,7 +221,7 @@ Result<void> Reader::GatherScans() {
 }
 
 int Reader::ReadRows(std::uint8_t* pixels, int count) {
-    const std::size_t stride = std::size_t{4} * jpeg_.image_width;
+    const std::size_t stride = std::size_t{4} * frame_.width;
     const JDIMENSION first = jpeg_.output_scanline;
     const JDIMENSION end = first + static_cast<JDIMENSION>(count);
     // A failure shows in the number of rows.

@@ -130,6 +130,19 @@ TEST(Jpg, EndlessScansDoNotKeepTheDecoderBusy) {
     EXPECT_EQ(Read(file).Width(), 900);
 }
 
+TEST(Jpg, ASecondFrameDoesNotChangeThePicture) {
+    // Both smaller and larger: the rows must fit what was made for the first.
+    for (const char* frame :
+         {"FFC2 000B 08 0001 0001 01 01 11 00", "FFC2 0014 08 0400 0400 04 01110002110003110004 1100"})
+        for (const bool progressive : {false, true}) {
+            const Picture picture = test::PhotoLike(60, 40);
+            ByteVector file = Write(picture, {.quality = 95, .progressive = progressive});
+            const ByteVector second = Hex(frame);
+            file.insert(file.end() - 2, second.begin(), second.end());
+            EXPECT_GT(test::Psnr(Read(file), picture), 36);
+        }
+}
+
 TEST(Jpg, FilesWithoutAPictureAreRefused) {
     constexpr std::string_view kStart = "FFD8";
     constexpr std::string_view kFrame = "FFC0 000B 08 0010 0010 01 01 11 00";
