@@ -91,6 +91,19 @@ QPainterPath HairlinePath(const QPainterPath& path) {
     return moved;
 }
 
+/// Lines that begin half a pixel earlier: the first dash then begins at the edge of its pixel.
+QPainterPath FromPixelEdge(const QPainterPath& path) {
+    QPainterPath moved;
+    for (QPolygonF line : path.toSubpathPolygons()) {
+        if (line.size() < 2) continue;
+        const QPointF first = line[1] - line[0];
+        const double length = std::hypot(first.x(), first.y());
+        if (length > 0) line[0] -= first * (0.5 / length);
+        moved.addPolygon(line);
+    }
+    return moved;
+}
+
 using Rows = std::array<std::uint8_t, 8>;
 constexpr Rows kHatches[] = {
     {0, 0, 0, 0xFF, 0, 0, 0, 0},                       // horizontal
@@ -185,7 +198,8 @@ void DeviceContext::StrokeShape(const QPainterPath& shape) {
     if (!IsVisible(state_.pen)) return;
     const double width = PenWidth();
     if (width <= kHairline) {
-        StrokeLine(HairlinePath(shape));
+        const QPainterPath line = HairlinePath(shape);
+        StrokeLine(IsDashed(state_.pen.style & Pen::kStyleMask) ? FromPixelEdge(line) : line);
     } else {
         const bool odd = std::lround(width) % 2 == 1;
         StrokeLine(odd ? shape.translated(0.5, 0.5) : shape);

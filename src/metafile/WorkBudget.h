@@ -18,7 +18,7 @@ class WorkBudget {
     bool Exhausted() const { return left_ <= 0; }
 
   private:
-    double left_ = 3e9;
+    double left_ = 2e9;
 };
 
 }  // namespace tessara::metafile
