@@ -11,9 +11,9 @@ namespace {
 
 constexpr std::uint8_t kOpaqueFrom = 128;
 
-// A colour that fills twice the area of an average entry, in runs, gets an entry of its own; at least half of
+// A colour that fills half the area of an average entry, in runs, gets an entry of its own; at least half of
 // the palette is left for the rest.
-constexpr std::uint64_t kFlatShare = 128;
+constexpr std::uint64_t kFlatShare = 512;
 constexpr std::size_t kMaximumFlatColors = 128;
 
 // Where no mixture of the palette reaches a colour the error would grow from pixel to pixel and then smear
@@ -40,8 +40,6 @@ std::size_t CellOf(Pixel p) {
            static_cast<std::size_t>(p.g >> kCellDrop) << kCellBits |
            static_cast<std::size_t>(p.b >> kCellDrop);
 }
-
-// The same for channels side by side.
 
 using Channels = Quantizer::Channels;
 
@@ -156,7 +154,7 @@ class ColorHistogram {
 // ---- Exact colours ----
 
 std::size_t Quantizer::ExactColors::SlotOf(Pixel color) const {
-    std::size_t slot = Hash(color) >> 22;
+    std::size_t slot = Hash(color) >> (32 - kSlotBits);
     while (slots_[slot] != 0 && Bits(colors_[static_cast<std::size_t>(slots_[slot] - 1)]) != Bits(color))
         slot = (slot + 1) % kSlots;
     return slot;
@@ -258,7 +256,7 @@ void Quantizer::MapRow(std::span<const Pixel> row, std::span<std::uint8_t> index
     }
 }
 
-/// The entry nearest to the middle of the cell of a color, found when it is first asked for.
+/// The entry nearest to the middle of a colour's cell, found when it is first asked for.
 inline std::uint8_t Quantizer::NearestIndex(Channels color) {
     const std::size_t cell = CellOf(color);
     std::uint16_t& entry = nearestOfCell_[cell];
@@ -268,7 +266,6 @@ inline std::uint8_t Quantizer::NearestIndex(Channels color) {
 }
 
 void Quantizer::DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> indexes) {
-    const std::size_t last = row.size() - 1;
     diffusion_.NextRow([&](int column, Channels sixteenths) -> Channels {
         const auto x = static_cast<std::size_t>(column);
         const Pixel pixel = row[x];
@@ -276,12 +273,10 @@ void Quantizer::DiffuseRow(std::span<const Pixel> row, std::span<std::uint8_t> i
             indexes[x] = *transparentIndex_;
             return Channels{};
         }
-        // A flat area whose colour the palette holds takes no error from outside, and hands none on.
-        if ((x > 0 && Bits(row[x - 1]) == Bits(pixel)) || (x < last && Bits(row[x + 1]) == Bits(pixel))) {
-            if (const int flat = exactColors_.Find(pixel); flat != ExactColors::kNotFound) {
-                indexes[x] = static_cast<std::uint8_t>(flat);
-                return Channels{};
-            }
+        // The colours of flat areas take no error from outside, and hand none on.
+        if (const int flat = exactColors_.Find(pixel); flat != ExactColors::kNotFound) {
+            indexes[x] = static_cast<std::uint8_t>(flat);
+            return Channels{};
         }
         const Channels wanted = (ChannelsOf(pixel) * 16 + 8 + sixteenths) >> 4;
         const std::uint8_t index = NearestIndex(Limited(wanted, 0, 255));

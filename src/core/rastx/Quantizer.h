@@ -15,8 +15,8 @@ namespace tessara {
 /// Turns a picture into indexes of a palette of up to 256 colours.
 ///
 /// A picture that has few enough colours is kept exactly; otherwise the palette is chosen for it and errors
-/// are diffused. Pixels with alpha below 128 become transparent, others are composed on white; so do pixels
-/// of the colour `transparent` where one is named.
+/// are diffused. Pixels with alpha below 128 become transparent, and so do those of the colour `transparent`
+/// where one is named; all others are composed on white.
 class Quantizer {
   public:
     /// The channels of a pixel or its error side by side, for arithmetic on all of them at once.
@@ -41,7 +41,8 @@ class Quantizer {
         std::span<const Pixel> Colors() const { return colors_; }
 
       private:
-        static constexpr std::size_t kSlots = 1024;
+        static constexpr int kSlotBits = 10;
+        static constexpr std::size_t kSlots = std::size_t{1} << kSlotBits;
         std::size_t SlotOf(Pixel color) const;
         std::array<std::int16_t, kSlots> slots_{};  // index + 1, 0 where empty
         std::vector<Pixel> colors_;
