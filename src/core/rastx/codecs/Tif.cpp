@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "core/ByteReader.h"
@@ -178,21 +179,32 @@ Result<Picture> ReadThroughLibtiff(const TifFile& file, const Limits& limits) {
     return made;
 }
 
-/// Old-style JPEG whose strips make no sense often carries a whole JPEG file.
-Result<Picture> ReadInterchangeJpeg(const TifFile& file, const DecodeOptions& options) {
+/// JPEG that contradicts its directory (subsampling, colours, strips that make no sense) is often a whole
+/// JPEG file that can be read by itself.
+Result<Picture> ReadCarriedJpeg(const TifFile& file, const DecodeOptions& options) {
+    const TifLayout& layout = file.Layout();
     std::uint64_t offset = 0;
-    if (!TIFFGetField(file.Handle(), TIFFTAG_JPEGIFOFFSET, &offset)) return Damaged("no JPEG data");
+    if (layout.compression == COMPRESSION_JPEG && layout.chunksPerPlane == 1)
+        offset = TIFFGetStrileOffset(file.Handle(), 0);
+    else if (layout.compression == COMPRESSION_OJPEG)
+        TIFFGetField(file.Handle(), TIFFTAG_JPEGIFOFFSET, &offset);
     const Bytes jpeg = Slice(file.File(), offset);
-    if (!RecogniseJpg(jpeg) || options.nestingLeft <= 0) return Damaged("no JPEG data");
-    return DecodeJpg(jpeg, options.Nested());
+    if (offset == 0 || !RecogniseJpg(jpeg) || options.nestingLeft <= 0)
+        return Damaged("no JPEG file is carried");
+    TRY_ASSIGN(Picture picture, DecodeJpg(jpeg, options.Nested()));
+    if (std::cmp_not_equal(picture.Width(), layout.width) ||
+        std::cmp_not_equal(picture.Height(), layout.height))
+        return Damaged("the carried JPEG is another picture");
+    return picture;
 }
 
 Result<Picture> ReadPicture(const TifFile& file, const DecodeOptions& options) {
     std::optional<TifColors> colors = TifColors::For(file);
     if (!colors) return ReadThroughLibtiff(file, options.limits);
     Result<Picture> picture = ReadChunks(file, *colors, options.limits);
-    if (!picture && file.Layout().compression == COMPRESSION_OJPEG) return ReadInterchangeJpeg(file, options);
-    return picture;
+    if (picture) return picture;
+    Result<Picture> carried = ReadCarriedJpeg(file, options);
+    return carried ? carried : picture;
 }
 
 }  // namespace
