@@ -17,7 +17,7 @@ namespace {
 /// A TIFF of one strip, whose reader unpacks zlib streams: one row of grey.
 ByteVector AsPicture(Bytes stream, std::size_t count) {
     ByteWriter file;
-    file.Text("II").U16Le(42).U32Le(8).U16Le(7);
+    file.U32Le(0x002a4949).U32Le(8).U16Le(7);
     const auto field = [&](std::uint32_t tag, std::size_t value) {
         file.U16Le(tag).U16Le(4).U32Le(1).U32Le(static_cast<std::uint32_t>(value));
     };
