@@ -83,6 +83,30 @@ TESSARA_MULTIVERSION void Compose(const std::uint8_t* in, std::size_t count, con
     }
 }
 
+TESSARA_MULTIVERSION void InterleavePlanes(const std::uint8_t* red, const std::uint8_t* green,
+                                           const std::uint8_t* blue, const std::uint8_t* alpha,
+                                           std::size_t count, std::uint8_t* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t value = blue[i] | std::uint32_t{green[i]} << 8 | std::uint32_t{red[i]} << 16 |
+                                    (alpha ? std::uint32_t{alpha[i]} : 255u) << 24;
+        std::memcpy(out + 4 * i, &value, 4);
+    }
+}
+
+/// Samples that share a byte, eight or fewer at a time: the inner loop has a fixed length then.
+template <unsigned bits>
+void UnpackSmallSamples(const std::uint8_t* in, std::size_t count, std::uint8_t* out) {
+    constexpr unsigned kPerByte = 8 / bits;
+    constexpr unsigned kMask = (1u << bits) - 1;
+    const auto unpack = [](unsigned byte, std::size_t samples, std::uint8_t* to) {
+        for (std::size_t k = 0; k < samples; ++k)
+            to[k] = static_cast<std::uint8_t>((byte >> (8 - bits - bits * k)) & kMask);
+    };
+    const std::size_t whole = count / kPerByte;
+    for (std::size_t i = 0; i < whole; ++i) unpack(in[i], kPerByte, out + i * kPerByte);
+    if (count % kPerByte > 0) unpack(in[whole], count % kPerByte, out + whole * kPerByte);
+}
+
 const std::uint8_t* BytesOf(std::span<const Pixel> pixels) {
     return reinterpret_cast<const std::uint8_t*>(pixels.data());
 }
@@ -98,12 +122,13 @@ void UnpackBits(Bytes packed, int bitsPerSample, std::span<std::uint8_t> samples
         std::copy_n(packed.begin(), samples.size(), samples.begin());
         return;
     }
-    const unsigned perByte = 8u / static_cast<unsigned>(bitsPerSample);
-    const unsigned mask = (1u << bitsPerSample) - 1;
-    for (std::size_t i = 0; i < samples.size(); ++i) {
-        const unsigned shift =
-            8u - static_cast<unsigned>(bitsPerSample) * static_cast<unsigned>(i % perByte + 1);
-        samples[i] = static_cast<std::uint8_t>((packed[i / perByte] >> shift) & mask);
+    switch (bitsPerSample) {
+        case 1:
+            return UnpackSmallSamples<1>(packed.data(), samples.size(), samples.data());
+        case 2:
+            return UnpackSmallSamples<2>(packed.data(), samples.size(), samples.data());
+        default:
+            return UnpackSmallSamples<4>(packed.data(), samples.size(), samples.data());
     }
 }
 
@@ -115,7 +140,8 @@ void PaletteToPixels(Bytes indexes, std::span<const Pixel> palette, std::span<Pi
 }
 
 void GreyToPixels(Bytes grey, std::span<Pixel> pixels) {
-    for (std::size_t i = 0; i < pixels.size(); ++i) pixels[i] = Grey(grey[i]);
+    assert(grey.size() >= pixels.size());
+    InterleavePlanes(grey.data(), grey.data(), grey.data(), nullptr, pixels.size(), BytesOf(pixels));
 }
 
 void GreyAlphaToPixels(Bytes greyAlpha, std::span<Pixel> pixels) {
@@ -141,8 +167,11 @@ void RgbaToPixels(Bytes rgba, std::span<Pixel> pixels) {
 }
 
 void PlanesToPixels(Bytes red, Bytes green, Bytes blue, Bytes alpha, std::span<Pixel> pixels) {
-    for (std::size_t i = 0; i < pixels.size(); ++i)
-        pixels[i] = {blue[i], green[i], red[i], alpha.empty() ? std::uint8_t{255} : alpha[i]};
+    const std::size_t count = pixels.size();
+    assert(red.size() >= count && green.size() >= count && blue.size() >= count);
+    assert(alpha.empty() || alpha.size() >= count);
+    InterleavePlanes(red.data(), green.data(), blue.data(), alpha.empty() ? nullptr : alpha.data(), count,
+                     BytesOf(pixels));
 }
 
 void PixelsToBgr(std::span<const Pixel> pixels, std::span<std::uint8_t> bgr) {

@@ -12,7 +12,7 @@
 // PCX, after the ZSoft PCX File Format Technical Reference Manual. All numbers are little-endian.
 //
 //   0  u8       0x0a                                     65  u8   planes
-//   1  u8       version; 0 and 3 have no palette         66  u16  bytes per line of a plane
+//   1  u8       version, at most 5                       66  u16  bytes per line of a plane
 //   2  u8       1 with run lengths, 0 without            68  u16  kind of palette, not to be relied on
 //   3  u8       bits per pixel and plane                128  lines from top to bottom, plane after plane
 //   4  u16 x4   left, top, right, bottom, inclusive          in each; 769 bytes before the end: 0x0c and
@@ -84,13 +84,15 @@ Result<Header> ReadHeader(Bytes file) {
     if (reader.Overrun()) return Damaged("the header is cut short");
     if (magic != 0x0a || header.version > 5 || encoding > 1) return Unsupported("no PCX picture");
     if (!IsKnownCombination(header.bits, header.planes)) return Unsupported("an unknown kind of pixels");
-    if (right < left || bottom < top || header.planeBytes == 0) return Damaged("the picture has no size");
+    if (right < left || bottom < top) return Damaged("the picture has no size");
     header.runLengths = encoding == 1;
     header.width = static_cast<std::size_t>(right - left + 1);
     header.height = static_cast<std::size_t>(bottom - top + 1);
     header.cgaScreen = (xDensity == 320 && yDensity == 200) || (header.width == 320 && header.height == 200);
     header.resolution = PlausibleResolution(xDensity, yDensity);
     std::ranges::copy(palette, header.palette.begin());
+    // Lines that lack a little occur; a few bytes for thousands of pixels only cost memory.
+    if (header.planeBytes < (header.NeededPlaneBytes() + 1) / 2) return Damaged("the lines are too short");
     return header;
 }
 
@@ -131,13 +133,28 @@ class LineReader {
 
     std::size_t Unpack() {
         std::size_t done = 0;
-        while (done < line_.size() && (left_ > 0 || StartRun())) {
+        while (done < line_.size()) {
+            if (left_ == 0) {
+                done += UnpackSingles(done);
+                if (done == line_.size() || !StartRun()) break;
+            }
             const std::size_t step = std::min(left_, line_.size() - done);
             std::ranges::fill(std::span(line_).subspan(done, step), value_);
             left_ -= step;
             done += step;
         }
         return done;
+    }
+
+    /// Photographs are mostly bytes that stand for themselves.
+    std::size_t UnpackSingles(std::size_t done) {
+        const Bytes rest = reader_.Rest();
+        const std::size_t most = std::min(rest.size(), line_.size() - done);
+        std::size_t count = 0;
+        for (; count < most && (rest[count] & kRunMark) != kRunMark; ++count)
+            line_[done + count] = rest[count];
+        reader_.Skip(count);
+        return count;
     }
 
     /// Some files store less of each plane than the width needs: the rest is 0.

@@ -132,7 +132,10 @@ class ChannelReader {
             at += sampleBytes;
             if (code & 0x80) {
                 count = std::min(count, (codes.size() - at) / sampleBytes);
-                for (std::size_t i = 0; i < count; ++i) samples[done + i] = sample(at + i * sampleBytes);
+                if constexpr (sampleBytes == 1)
+                    std::ranges::copy(codes.subspan(at, count), samples.subspan(done).begin());
+                else
+                    for (std::size_t i = 0; i < count; ++i) samples[done + i] = sample(at + i * sampleBytes);
                 at += count * sampleBytes;
             } else {
                 std::ranges::fill(samples.subspan(done, count), sample(at));
