@@ -64,7 +64,7 @@ Picture Landscape() {
             std::hypot((x - 95) / 1.1f, y - 112) < 52 + 5 * std::sin(std::atan2(y - 112, x - 95) * 9);
         const std::uint32_t grain =
             RandomOf(static_cast<std::uint32_t>(y) * 512 + static_cast<std::uint32_t>(x));
-        const float light = static_cast<float>(grain & 31) / 100 + (y < 100 + x / 8 ? 0.0f : 0.3f);
+        const float light = static_cast<float>(grain & 31) / 300 + (y < 100 + x / 8 ? 0.0f : 0.3f);
         if (leaf)
             return Mix({50, 170, 100, 255}, {20, 50, 20, 255}, light + std::hypot(x - 80, y - 95) / 200);
         if (std::abs(x - 95) < 8 && y > 112 && y < 225)
@@ -73,7 +73,7 @@ Picture Landscape() {
             const float ripple = 2.5f * std::sin(y * y / 900 + x / 30);
             return Mix(above(x + ripple, 430 - y), {120, 80, 50, 255}, 0.25f + 0.2f * std::sin(y / 2.2f));
         }
-        return Mix(above(x, y), kBlack, static_cast<float>(grain & 15) / 200);
+        return above(x, y);
     });
 }
 
@@ -246,6 +246,6 @@ int main(int argc, char** argv) {
         WriteSheet(folder + "/photograph.png", fitted, Everything(), 6, fitted.Width(), fitted.Height()) &&
         WriteSheet(folder + "/drawing.png", Drawing(), Everything(), 6, 300, 200) &&
         WriteSheet(folder + "/icon.png", Icon(), Everything(), 12, 36, 36) &&
-        WriteSheet(folder + "/effects.png", FitInto(landscape, 150, 100), ForTheManual(), 8, 150, 100);
+        WriteSheet(folder + "/effects.png", FitInto(landscape, 120, 80), ForTheManual(), 8, 120, 80);
     return written ? 0 : 1;
 }

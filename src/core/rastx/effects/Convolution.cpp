@@ -77,7 +77,7 @@ TESSARA_MULTIVERSION void MoveColumnSums(const std::uint8_t* added, const std::u
 TESSARA_MULTIVERSION void RaiseDetail(const std::uint8_t* source, std::size_t length,
                                       std::uint8_t* __restrict mean) {
     for (std::size_t i = 0; i < length; ++i)
-        mean[i] = static_cast<std::uint8_t>(ToByte(128 + source[i] - mean[i]));
+        mean[i] = static_cast<std::uint8_t>(ToByte(128 + 2 * (source[i] - mean[i])));
 }
 
 /// Means of 2 * radius + 1 column sums around each pixel; `columns` reaches radius + 1 pixels beyond either

@@ -324,7 +324,7 @@ Result<Picture> Tile1(const Picture& picture, int depth, const EffectRun& run) {
 
 Result<Picture> Tile2(const Picture& picture, int depth, const EffectRun& run) {
     const float side = std::max(4.0f, static_cast<float>(std::min(picture.Width(), picture.Height())) / 12);
-    const float strength = static_cast<float>(depth) / 40;
+    const float strength = static_cast<float>(depth) / 60;
     const std::vector<float> columns = ThroughBricks(picture.Width(), side, strength);
     const std::vector<float> rows = ThroughBricks(picture.Height(), side, strength);
     const std::vector<float> noShifts(Index(picture.Width()));

@@ -96,7 +96,8 @@ TESSARA_MULTIVERSION void NeonRow(const Neighbours& rows, std::size_t length, st
         for (std::size_t k = 0; k < count; k += 4) {
             const std::uint32_t color = LoadPixel(brightest + k);
             const auto high = static_cast<float>(Largest(color) + 1);
-            const auto edge = static_cast<float>(Largest(LoadPixel(steepness + k)));
+            const auto steep = static_cast<float>(Largest(LoadPixel(steepness + k)));
+            const float edge = steep * steep * (1.0f / 255);  // weak edges stay dark
             const auto channel = [&](std::uint32_t value) {
                 const float share = static_cast<float>(value) / high;
                 return static_cast<std::uint32_t>(ToByte(edge * share * share));
@@ -111,7 +112,7 @@ TESSARA_MULTIVERSION void NeonRow(const Neighbours& rows, std::size_t length, st
 TESSARA_MULTIVERSION void AddGlowRow(const std::uint8_t* glow, std::size_t length,
                                      std::uint8_t* __restrict row) {
     for (std::size_t i = 0; i < length; ++i) {
-        const int sum = row[i] + 2 * glow[i];
+        const int sum = row[i] + glow[i];
         row[i] = static_cast<std::uint8_t>(sum > 255 ? 255 : sum);
     }
 }

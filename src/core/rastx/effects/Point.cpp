@@ -200,12 +200,13 @@ Picture Negative(Picture picture, const EffectRun& run) {
 }
 
 Picture Brightness(Picture picture, int percent, const EffectRun& run) {
-    const int shift = static_cast<int>(std::lround(std::clamp(percent, -100, 100) * 2.55));
+    const int shift = static_cast<int>(std::lround(std::clamp(percent, -100, 100) * 1.28));
     return ChangeBytes(std::move(picture), run, ShiftRow, shift);
 }
 
 Picture Contrast(Picture picture, int percent, const EffectRun& run) {
-    const double factor = std::pow((100 + std::clamp(percent, -100, 100)) / 100.0, 2);
+    percent = std::clamp(percent, -100, 100);
+    const double factor = 1 + (percent < 0 ? percent / 100.0 : percent / 50.0);
     const int fixed = static_cast<int>(std::lround(256 * factor));
     // Around 127.5; the last 128 rounds.
     return ChangeBytes(std::move(picture), run, ScaleRow, fixed, (256 - fixed) * 255 / 2 + 128);

@@ -6,9 +6,9 @@
 namespace tessara::effects {
 
 Picture Negative(Picture picture, const EffectRun& run = {});
-/// Shifts the channels by `percent` of their range, -100 to 100.
+/// -100 to 100 shift the channels by up to half of their range.
 Picture Brightness(Picture picture, int percent, const EffectRun& run = {});
-/// Spreads the channels around mid grey: -100 leaves only that, 100 is four times the contrast.
+/// Spreads the channels around mid grey: -100 leaves only that, 100 is three times the contrast.
 Picture Contrast(Picture picture, int percent, const EffectRun& run = {});
 /// 1 is the identity, above it the middle tones become brighter.
 Picture Gamma(Picture picture, float gamma, const EffectRun& run = {});

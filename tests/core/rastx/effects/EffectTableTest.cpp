@@ -140,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         PixelCase{"FxNegative", {}, "KWRGB", "WKCMY"}, PixelCase{"FxSwapRedBlue", {}, "RGBY", "BGRC"},
         PixelCase{"FxSwapRedGreen", {}, "RGBC", "GRBM"}, PixelCase{"FxSwapGreenBlue", {}, "RGBY", "RBGM"},
-        PixelCase{"FxBrightness", {100}, "K5R", "WWW"}, PixelCase{"FxBrightness", {-100}, "W5R", "KKK"},
-        PixelCase{"FxBrightness", {11}, "024", "135"}, PixelCase{"FxContrast", {100}, "037W", "K0WW"},
+        PixelCase{"FxBrightness", {100}, "5W", "WW"}, PixelCase{"FxBrightness", {-100}, "K4", "KK"},
+        PixelCase{"FxBrightness", {22}, "024", "135"}, PixelCase{"FxContrast", {100}, "037W", "K0WW"},
         PixelCase{"FxGamma", {1}, "0123456789RGB", "0123456789RGB"},
         PixelCase{"FxPosterize", {1}, "04W", "KKW"}, PixelCase{"FxPosterize", {2}, "0W", "KW"},
         PixelCase{"FxSolarize", {112}, "34W", "34K"}, PixelCase{"FxColorBalance", {255, 0, -255}, "KM", "RR"},
