@@ -71,8 +71,8 @@ TEST(ZlibPacker, PacksEveryKindOfData) {
         {"a short pattern", Filled(200'000, [&] { return step++ % 100; }), 0.05},
         {"little data", Filled(1000, residual), 0.6},
     };
-    ZlibPacker packer;
     for (const auto& row : cases) {
+        ZlibPacker packer;
         const Bytes packed = packer.Pack(row.raw);
         EXPECT_LE(static_cast<double>(packed.size()), row.largestShare * static_cast<double>(row.raw.size()))
             << row.name;

@@ -1,7 +1,5 @@
 #include "core/rastx/codecs/TifChunks.h"
 
-#include <zlib.h>
-
 #include <algorithm>
 #include <cstring>
 
@@ -13,20 +11,6 @@ namespace {
 
 /// Finding out how much of a damaged chunk can be used unpacks it a dozen times; not done to giants.
 constexpr std::uint64_t kLargestSalvaged = std::uint64_t{256} << 20;
-
-/// Unpacks as much of a damaged or overlong zlib stream as there is, and tells how much that was.
-std::size_t InflateLeniently(Bytes stored, std::span<std::uint8_t> target) {
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK) return 0;
-    stream.next_in = const_cast<Bytef*>(stored.data());
-    stream.avail_in = static_cast<uInt>(std::min<std::size_t>(stored.size(), UINT32_MAX));
-    stream.next_out = target.data();
-    stream.avail_out = static_cast<uInt>(std::min<std::size_t>(target.size(), UINT32_MAX));
-    ::inflate(&stream, Z_SYNC_FLUSH);
-    const std::size_t unpacked = stream.total_out;
-    inflateEnd(&stream);
-    return unpacked;
-}
 
 template <typename Sample>
 void Accumulate(std::uint8_t* line, std::size_t count, std::size_t stride) {
@@ -120,14 +104,17 @@ TifChunk TifChunkReader::Unpack(Bytes stored, std::uint32_t lines) {
     return chunk;
 }
 
+/// Unpacks as much as there is. What is wrong behind that (a checksum, more data than needed) does no harm.
 std::size_t TifChunkReader::Inflate(Bytes stored, std::span<std::uint8_t> target) {
-    if (!decompressor_) decompressor_.reset(libdeflate_alloc_decompressor());
-    std::size_t unpacked = 0;
-    if (decompressor_ &&
-        libdeflate_zlib_decompress(decompressor_.get(), stored.data(), stored.size(), target.data(),
-                                   target.size(), &unpacked) == LIBDEFLATE_SUCCESS)
-        return unpacked;
-    return InflateLeniently(stored, target);
+    if (!inflate_) inflate_ = std::make_unique<inflate_state>();
+    isal_inflate_init(inflate_.get());
+    inflate_->crc_flag = ISAL_ZLIB;
+    inflate_->next_in = const_cast<std::uint8_t*>(stored.data());
+    inflate_->avail_in = static_cast<std::uint32_t>(std::min<std::size_t>(stored.size(), UINT32_MAX));
+    inflate_->next_out = target.data();
+    inflate_->avail_out = static_cast<std::uint32_t>(std::min<std::size_t>(target.size(), UINT32_MAX));
+    isal_inflate(inflate_.get());
+    return static_cast<std::size_t>(inflate_->next_out - target.data());
 }
 
 TifChunk TifChunkReader::ReadWithLibtiff(std::uint32_t index, Bytes stored, std::uint32_t lines) {
