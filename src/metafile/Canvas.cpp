@@ -18,6 +18,8 @@ constexpr double kPerFilledPixel = 0.5;
 constexpr double kPerTexturePixel = 3;
 constexpr double kPerLayerPixel = 8;
 constexpr double kPerSmoothPixel = 12;
+constexpr double kPerRun = 50;
+constexpr double kPerFloodedPixel = 20;
 
 constexpr std::uint32_t kColorBits = 0xFFFFFF;
 constexpr std::uint32_t kOpaqueBlack = 0xFF000000;
@@ -107,28 +109,36 @@ QImage Sampled(const QImage& image, const QTransform& toDevice, const QRect& pix
 
 /// Marks the pixels that `floods` accepts and that are reached from `start`, a run of a row at a time.
 template <typename Floods>
-void Flood(const QImage& image, QPoint start, QImage& flooded, const Floods& floods) {
-    const auto open = [&](int x, int y) {
-        const auto column = static_cast<std::size_t>(x);
-        return RowOf(std::as_const(flooded), y)[column] == 0 && floods(RowOf(image, y)[column]);
+void Flood(const QImage& image, QPoint start, QImage& flooded, WorkBudget& budget, const Floods& floods) {
+    struct Row {
+        std::span<const std::uint32_t> pixels;
+        std::span<std::uint32_t> marks;
+    };
+    const auto rowAt = [&](int y) { return Row{RowOf(image, y), RowOf(flooded, y)}; };
+    const auto open = [&](const Row& row, std::size_t x) {
+        return row.marks[x] == 0 && floods(row.pixels[x]);
     };
     std::vector<QPoint> seeds{start};
     while (!seeds.empty()) {
         const QPoint seed = seeds.back();
         seeds.pop_back();
-        const int y = seed.y();
-        if (!open(seed.x(), y)) continue;
-        int left = seed.x();
-        int right = seed.x() + 1;
-        while (left > 0 && open(left - 1, y)) --left;
-        while (right < image.width() && open(right, y)) ++right;
-        std::ranges::fill(
-            RowOf(flooded, y).subspan(static_cast<std::size_t>(left), static_cast<std::size_t>(right - left)),
-            kOpaqueBlack);
-        for (const int next : {y - 1, y + 1}) {
-            if (next < 0 || next >= image.height()) continue;
-            for (int x = left; x < right; ++x)
-                if (open(x, next) && (x == left || !open(x - 1, next))) seeds.emplace_back(x, next);
+        const Row row = rowAt(seed.y());
+        auto left = static_cast<std::size_t>(seed.x());
+        if (!open(row, left)) continue;
+        std::size_t right = left + 1;
+        while (left > 0 && open(row, left - 1)) --left;
+        while (right < row.pixels.size() && open(row, right)) ++right;
+        std::ranges::fill(row.marks.subspan(left, right - left), kOpaqueBlack);
+        if (!budget.Spend(kPerRun + kPerFloodedPixel * static_cast<double>(right - left))) return;
+        for (const int y : {seed.y() - 1, seed.y() + 1}) {
+            if (y < 0 || y >= image.height()) continue;
+            const Row next = rowAt(y);
+            bool before = false;
+            for (std::size_t x = left; x < right; ++x) {
+                const bool now = open(next, x);
+                if (now && !before) seeds.emplace_back(static_cast<int>(x), y);
+                before = now;
+            }
         }
     }
 }
@@ -318,12 +328,12 @@ void Canvas::FillTriangle(const std::array<QPointF, 3>& corners, const std::arra
 void Canvas::FloodFill(QPoint start, const QBrush& brush, std::optional<QRgb> border) {
     const QRect pixels = Touch(QRectF(start, QSizeF(1, 1)));
     if (pixels.isEmpty() || !clipBounds_.contains(start)) return;
-    if (!budget_.Spend(2 * kPerLayerPixel * AreaOf(clipBounds_))) return;
+    if (!budget_.Spend(kPerLayerPixel * AreaOf(clipBounds_))) return;
     QImage flooded(clipBounds_.size(), QImage::Format_ARGB32_Premultiplied);
     if (flooded.isNull()) return;
     flooded.fill(Qt::transparent);
     const std::uint32_t wanted = (border ? *border : image_.pixel(start)) & kColorBits;
-    Flood(Part(image_, clipBounds_), start - clipBounds_.topLeft(), flooded,
+    Flood(Part(image_, clipBounds_), start - clipBounds_.topLeft(), flooded, budget_,
           [&](std::uint32_t pixel) { return ((pixel & kColorBits) == wanted) != border.has_value(); });
     QPainter painter(&flooded);
     painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

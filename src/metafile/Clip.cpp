@@ -14,9 +14,13 @@ constexpr int kMostBoxes = 50000;
 constexpr int kTallestPicture = 65535;
 constexpr std::size_t kMostRegionBoxes = 2048;
 
+QRect BoundsWithin(const QPainterPath& path, const QRect& area) {
+    return (path.boundingRect() & QRectF(area)).toAlignedRect();
+}
+
 QRegion PixelsOf(const QPainterPath& path, const QRect& area) {
     // While a drawing is measured there are no pixels, but an area too large to walk through its rows.
-    if (area.height() > kTallestPicture) return path.boundingRect().toAlignedRect() & area;
+    if (area.height() > kTallestPicture) return BoundsWithin(path, area);
     const QPainterPath cut = CutArea(path, QRectF(area).adjusted(-1, -1, 1, 1));
     return QRegion(cut.toFillPolygon().toPolygon(), path.fillRule()) & area;
 }
@@ -54,7 +58,7 @@ void Clip::Combine(const QRegion& region, ClipMode mode) {
 void Clip::Combine(const QPainterPath& path, ClipMode mode) {
     if (mode == ClipMode::Copy) Reset();
     if (mode != ClipMode::And && mode != ClipMode::Copy) return Combine(PixelsOf(path, area_), mode);
-    region_ &= path.boundingRect().toAlignedRect();
+    region_ &= BoundsWithin(path, area_);
     if (paths_.size() >= kMostPaths) {
         region_ = Flattened();
         paths_.clear();

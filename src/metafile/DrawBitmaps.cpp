@@ -1,5 +1,7 @@
 // Bitmaps and pattern fills.
 
+#include <cmath>
+
 #include "metafile/DeviceContext.h"
 
 namespace tessara::metafile {
@@ -26,8 +28,9 @@ BitmapCall PartOf(const QImage& image, QRectF source, const QRectF& target, Rast
         call.target =
             QRectF(call.target.x(), target.y() + target.height(), call.target.width(), -target.height());
     }
-    const QRect whole = source.toRect();
-    const QRect held = whole & image.rect();
+    const QRectF whole(std::round(source.x()), std::round(source.y()), std::round(source.width()),
+                       std::round(source.height()));
+    const QRect held = (whole & QRectF(image.rect())).toRect();
     if (held.isEmpty()) return call;
     call.image = held == image.rect() ? image : image.copy(held);
     const double x = call.target.width() / whole.width();

@@ -20,12 +20,13 @@ QImage WithTransparentColor(const QImage& image, QRgb key) {
 }
 
 /// An image that shows where a mask of two colours is white.
-QImage WithMask(const QImage& image, const QImage& mask, QPoint maskCorner) {
+QImage WithMask(const QImage& image, const QImage& mask, QPointF maskCorner) {
     QImage masked = image.convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < masked.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(masked.scanLine(y));
         for (int x = 0; x < masked.width(); ++x) {
-            const QPoint at = maskCorner + QPoint(x, y);
+            const QPointF place = maskCorner + QPointF(x, y);
+            const QPoint at = QRectF(mask.rect()).contains(place) ? place.toPoint() : QPoint(-1, -1);
             if (!mask.valid(at) || qGray(mask.pixel(at)) < 128) row[x] = 0;
         }
     }
@@ -129,7 +130,7 @@ void EmfPlayer::MaskBlt(Record& record) {
         transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
     BitmapCall call = PartOf(Decode(transfer.bitmap), source, transfer.target, RasterOperation::CopySource());
     const QImage mask = Decode(maskBitmap);
-    if (!mask.isNull() && !call.image.isNull()) call.image = WithMask(call.image, mask, maskCorner.toPoint());
+    if (!mask.isNull() && !call.image.isNull()) call.image = WithMask(call.image, mask, maskCorner);
     context_.DrawTransparent(call.image, call.target, 1);
 }
 
@@ -150,7 +151,7 @@ void EmfPlayer::ParallelogramBlt(Record& record) {
     QImage image = PartOf(Decode(bitmap), source, source, RasterOperation::CopySource()).image;
     if (!maskBitmap.header.empty() && !image.isNull()) {
         const QImage mask = Decode(maskBitmap);
-        if (!mask.isNull()) image = WithMask(image, mask, maskCorner.toPoint());
+        if (!mask.isNull()) image = WithMask(image, mask, maskCorner);
     }
     context_.DrawParallelogram(image, {first, second, third});
 }

@@ -61,6 +61,11 @@ std::optional<Segment> CutSegment(const Segment& segment, const std::array<Side,
                    leave < 1 ? segment.from + direction * leave : segment.to};
 }
 
+/// Where coordinates are so large that a cut is only roughly right, this makes it right.
+QPointF Within(QPointF point, const QRectF& box) {
+    return {std::clamp(point.x(), box.left(), box.right()), std::clamp(point.y(), box.top(), box.bottom())};
+}
+
 double AngleOf(const QRectF& box, QPointF point) {
     const QPointF center = box.center();
     const double x = box.width() > 0 ? (point.x() - center.x()) / box.width() : 0;
@@ -131,6 +136,7 @@ QPainterPath CutArea(const QPainterPath& path, const QRectF& box) {
     for (QPolygonF polygon : path.toSubpathPolygons()) {
         for (const Side& side : SidesOf(box)) polygon = CutAtSide(polygon, side);
         if (polygon.size() < 3) continue;
+        for (QPointF& point : polygon) point = Within(point, box);
         cut.addPolygon(polygon);
         cut.closeSubpath();
     }
@@ -145,8 +151,9 @@ QPainterPath CutLines(const QPainterPath& path, const QRectF& box) {
         for (qsizetype i = 1; i < polygon.size(); ++i) {
             const auto part = CutSegment({polygon[i - 1], polygon[i]}, sides);
             if (!part) continue;
-            if (cut.isEmpty() || cut.currentPosition() != part->from) cut.moveTo(part->from);
-            cut.lineTo(part->to);
+            const QPointF from = Within(part->from, box);
+            if (cut.isEmpty() || cut.currentPosition() != from) cut.moveTo(from);
+            cut.lineTo(Within(part->to, box));
         }
     }
     return cut;
