@@ -46,7 +46,7 @@ def photo_like(width, height, seed):
     picture = numpy.empty((height, width, 3), numpy.uint8)
     for channel in range(3):
         tint = cloud(9, 80) + cloud(97, 14)
-        grain = random.normal(0, 1.1, (height, width)).astype(numpy.float32)
+        grain = random.normal(0, 2.2, (height, width)).astype(numpy.float32)
         picture[:, :, channel] = numpy.clip(light + tint + grain, 0, 255)
     rows, columns = numpy.mgrid[0:height, 0:width]
     for _ in range(60):
