@@ -10,8 +10,8 @@ Result<void*> LoadModuleFunction(const std::string& module, const char* function
     std::error_code error;
     const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
     std::string reason;
-    for (const std::filesystem::path& folder :
-         {executable.parent_path(), std::filesystem::path(TESSARA_MODULE_DIR)}) {
+    const std::filesystem::path beside = executable.parent_path();
+    for (const std::filesystem::path& folder : {beside, beside / TESSARA_MODULE_FROM_BIN}) {
         const std::string path = (folder / ("lib" + module + ".so")).string();
         void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (!library) {
