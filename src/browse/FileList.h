@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QIcon>
 #include <QTreeWidget>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "browse/Browser.h"
 
@@ -32,9 +35,51 @@ class FileList : public QWidget {
     /// Shows the selected row's file in the panes.
     void ListViewFile_Click();
 
+    /// How many files, and how many different icons, are shown without a question.
+    int SetFileMaxN() const;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
   private:
+    class Table;
+    struct Build;
+    /// The row last shown in the panes. It outlives a rebuild.
+    struct CurrentFileRecord {
+        int Index = -1;
+        std::string Key;
+    };
+
+    void MakeColumns();
+    void SetColumnWidths();
+    void ConnectTable();
+    void HeaderClicked(int section);
+    void SortRows();
+    /// Whether an export picture with changes may be given up.
+    bool MayLeaveExportImage();
+
+    /// Makes the rows; False asks for a fresh start.
+    bool BuildRows(Build& build);
+    bool TryBuildRows(Build& build);
+    bool AddRow(Build& build, const std::string& full, const std::string& name);
+    void InsertRows(Build& build);
+    bool IsListed(std::string_view ext4) const;
+    bool WantsAllIcons();
+    /// The position of a file's icon in ImageListFile, which may grow. Makes a type name where there is none.
+    std::size_t ChooseIcon(Build& build, const std::string& full, std::string_view ext4,
+                           std::string& typeName);
+    void WriteTotals(const Build& build);
+
     Browser& browser_;
+    Table* table_ = nullptr;
     QTreeWidget* ListViewFile_ = nullptr;
+    std::vector<QIcon> ImageListFile_;  ///< the first is the generic one, which is never removed
+    CurrentFileRecord CurrentFile_;
+    int SortKey_ = 0;
+    Qt::SortOrder SortOrder_ = Qt::AscendingOrder;  ///< one for all columns
+    bool pressedOnCheckBox_ = false;
+    bool columnsSized_ = false;
 };
 
 }  // namespace tessara
