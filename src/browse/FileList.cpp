@@ -375,6 +375,13 @@ std::size_t FileList::ChooseIcon(Build& build, const std::string& full, std::str
 
 void FileList::WriteTotals(const Build& build) {
     BrowserHost& host = browser_.host;
+    // All files of the folder are counted, whichever are listed.
+    const std::string head =
+        "Total " + std::to_string(build.count) + (build.count > 1 ? " Files (" : " File (");
+    const float totalMb = build.totalKb / 1024;
+    if (build.count > 0)
+        host.SetFilePanel(1, head + (build.totalKb < 1024 ? SizeNumber(build.totalKb) + " KB)"
+                                                          : SizeNumber(totalMb) + " MB)"));
     if (build.listed == 0) {
         const bool all = browser_.session.ConvertOptions.ListAllFiles;
         host.SetFilePanel(
@@ -382,9 +389,8 @@ void FileList::WriteTotals(const Build& build) {
         host.Setvalid(false);
         return;
     }
-    // All files of the folder are counted, whichever are listed. Always in megabytes.
-    host.SetFilePanel(1, "Total " + std::to_string(build.count) + (build.count < 2 ? " File (" : " Files (") +
-                             SizeNumber(build.totalKb / 1024) + " MB)");
+    // What stays until the summary is written is always in megabytes.
+    host.SetFilePanel(1, head + SizeNumber(totalMb) + " MB)");
     host.SetMenuEnabled("mTransform", 2, true);
 }
 

@@ -16,6 +16,7 @@ class RecordingHost final : public BrowserHost {
   public:
     std::vector<std::string> calls;
     std::map<int, std::string> filePanels;
+    std::vector<std::string> totals;  ///< all texts that panel 1 of them had
     std::string optionsPanel;
     std::string caption;
     std::string treeToolTip;
@@ -38,7 +39,10 @@ class RecordingHost final : public BrowserHost {
     void OpenImportViewer() override { calls.emplace_back("OpenImportViewer"); }
     void PopMenu(const std::string& selector) override { calls.push_back("PopMenu " + selector); }
 
-    void SetFilePanel(int panel, const std::string& text) override { filePanels[panel] = text; }
+    void SetFilePanel(int panel, const std::string& text) override {
+        filePanels[panel] = text;
+        if (panel == 1) totals.push_back(text);
+    }
     std::string FilePanel(int panel) const override {
         const auto found = filePanels.find(panel);
         return found == filePanels.end() ? std::string() : found->second;
