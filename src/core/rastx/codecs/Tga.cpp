@@ -459,7 +459,7 @@ ByteVector WriteHeader(const Picture& picture, std::size_t pixelBytes) {
     header.U8(0).U8(0).U8(static_cast<std::uint8_t>(kind) | kRunLengthKind).Zeros(9);
     header.U16Le(static_cast<std::uint32_t>(picture.Width()))
         .U16Le(static_cast<std::uint32_t>(picture.Height()));
-    header.U8(static_cast<std::uint32_t>(8 * pixelBytes)).U8(pixelBytes == 4 ? 8 : 0);
+    header.U8(static_cast<std::uint32_t>(8 * pixelBytes)).U8(kFromTop | (pixelBytes == 4 ? 8 : 0));
     return header.TakeBytes();
 }
 
@@ -483,8 +483,9 @@ Result<void> EncodeTga(const Picture& picture, const EncodeOptions&, ByteSink& s
     const std::uint64_t start = sink.Position();
     TRY(sink.Write(WriteHeader(picture, pixelBytes)));
     RowPacker packer(picture.Width(), pixelBytes);
-    // From the bottom up: the order of the oldest readers, some of which ignore the bit that says otherwise.
-    for (int y = picture.Height() - 1; y >= 0; --y) TRY(sink.Write(packer.Pack(picture.Row(y))));
+    // From the top down: there are readers that take a picture from the bottom up for one to be turned, and
+    // pass it on upside down.
+    for (int y = 0; y < picture.Height(); ++y) TRY(sink.Write(packer.Pack(picture.Row(y))));
     return sink.Write(WriteEnd(pixelBytes == 4, sink.Position() - start));
 }
 

@@ -142,11 +142,11 @@ TEST(Tga, WritesTheSmallestKindThatHoldsThePicture) {
         const char* file;
     };
     const Case cases[] = {
-        {"grey", Draw("KKKW 1122"), "0000 0b 0000000000 00000000 04000200 08 00  03 1c1c3838  82 00 00 ff"},
+        {"grey", Draw("KKKW 1122"), "0000 0b 0000000000 00000000 04000200 08 20  82 00 00 ff  03 1c1c3838"},
         {"color", Draw("RRBW GBBB"),
-         "0000 0a 0000000000 00000000 04000200 18 00  00 00ff00 82 ff0000  81 0000ff 01 ff0000 ffffff"},
+         "0000 0a 0000000000 00000000 04000200 18 20  81 0000ff 01 ff0000 ffffff  00 00ff00 82 ff0000"},
         {"long run", Must(Picture::Create(130, 1, kBlack, Alpha::None)),
-         "0000 0b 0000000000 00000000 82000100 08 00  ff 00 01 0000"},
+         "0000 0b 0000000000 00000000 82000100 08 20  ff 00 01 0000"},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
