@@ -11,6 +11,10 @@
 namespace tessara::metafile {
 namespace {
 
+// In units of the work budget. A character that no usual font has is sought in all others.
+constexpr double kPerGlyph = 1000;
+constexpr double kPerNewGlyph = 1e6;
+
 /// Whether the shapes or the order of characters depend on one another, as in Arabic, Hebrew and the scripts
 /// of India.
 bool NeedsShaping(const QString& text) {
@@ -74,6 +78,7 @@ DeviceContext::TextFrame DeviceContext::FrameOf(const TextCall& call, const Type
 
 DeviceContext::TextOutline DeviceContext::ShapedOutlineOf(const TextCall& call, const Typeface& face,
                                                           const TextFrame& frame) const {
+    if (!canvas_.Budget().Spend(kPerNewGlyph * static_cast<double>(call.text.size()))) return {};
     const Typeface::Glyphs glyphs = face.Shaped(call.text);
     QPointF end = frame.emAcross * glyphs.advance;
     QPointF across = frame.emAcross;
@@ -94,6 +99,7 @@ DeviceContext::TextOutline DeviceContext::OutlineOf(const TextCall& call, const 
         qsizetype next = i + 1;
         while (next < call.text.size() && Continues(call.text[next])) ++next;
         const QString character = call.text.mid(i, next - i);
+        if (!canvas_.Budget().Spend(face.Knows(character) ? kPerGlyph : kPerNewGlyph)) break;
         const Typeface::Glyphs& glyphs = face.Character(character);
         const QTransform place(frame.emAcross.x(), frame.emAcross.y(), frame.emDown.x(), frame.emDown.y(),
                                outline.end.x(), outline.end.y());
@@ -142,7 +148,9 @@ void DeviceContext::DrawText(const TextCall& original) {
     const bool update = (state_.textAlign & kUpdatePosition) != 0;
     if (update) call.reference = state_.position;
 
-    const Typeface& face = typefaces_.Find(state_.font);
+    const Typeface* found = typefaces_.Find(state_.font, canvas_.Budget());
+    if (!found) return;
+    const Typeface& face = *found;
     TextFrame frame = FrameOf(call, face);
     if (!IsUsable(frame.origin) || !IsUsable(frame.emAcross) || !IsUsable(frame.emDown)) return;
     TextOutline outline = OutlineOf(call, face, frame);

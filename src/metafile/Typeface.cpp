@@ -124,7 +124,8 @@ const Typeface::Glyphs& Typeface::Character(const QString& character) const {
     return *found;
 }
 
-const Typeface& TypefaceCache::Find(const Font& font) {
+const Typeface* TypefaceCache::Find(const Font& font, WorkBudget& budget) {
+    constexpr double kPerTypeface = 5e6;
     EnsureFontsAvailable();
     const QString key = QStringLiteral("%1/%2/%3/%4/%5")
                             .arg(font.face)
@@ -133,8 +134,8 @@ const Typeface& TypefaceCache::Find(const Font& font) {
                             .arg(font.pitchAndFamily)
                             .arg(font.charset);
     std::shared_ptr<const Typeface>& typeface = typefaces_[key];
-    if (!typeface) typeface = std::make_shared<const Typeface>(font);
-    return *typeface;
+    if (!typeface && budget.Spend(kPerTypeface)) typeface = std::make_shared<const Typeface>(font);
+    return typeface.get();
 }
 
 namespace {

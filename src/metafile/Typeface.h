@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "metafile/Objects.h"
+#include "metafile/WorkBudget.h"
 
 namespace tessara::metafile {
 
@@ -29,6 +30,7 @@ class Typeface {
     double StrikeOutPosition() const { return strikeOutPosition_; }
     double LineWidth() const { return lineWidth_; }
 
+    bool Knows(const QString& character) const { return characters_.contains(character); }
     /// One character; kept, for text is made of few of them.
     const Glyphs& Character(const QString& character) const;
     /// A text whose characters depend on their neighbours.
@@ -44,7 +46,8 @@ class Typeface {
 /// Typefaces by what a metafile says of a font, each found once.
 class TypefaceCache {
   public:
-    const Typeface& Find(const Font& font);
+    /// Null where the budget is used up: to find a font is work.
+    const Typeface* Find(const Font& font, WorkBudget& budget);
 
   private:
     QHash<QString, std::shared_ptr<const Typeface>> typefaces_;
