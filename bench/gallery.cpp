@@ -246,6 +246,6 @@ int main(int argc, char** argv) {
         WriteSheet(folder + "/photograph.png", fitted, Everything(), 6, fitted.Width(), fitted.Height()) &&
         WriteSheet(folder + "/drawing.png", Drawing(), Everything(), 6, 300, 200) &&
         WriteSheet(folder + "/icon.png", Icon(), Everything(), 12, 36, 36) &&
-        WriteSheet(folder + "/effects.png", FitInto(landscape, 120, 80), ForTheManual(), 8, 120, 80);
+        WriteSheet(folder + "/effects.png", FitInto(landscape, 105, 70), ForTheManual(), 8, 105, 70);
     return written ? 0 : 1;
 }
