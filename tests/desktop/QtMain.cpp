@@ -2,9 +2,10 @@
 
 #include <QApplication>
 
-/// The tests of widgets need an application object for as long as they run.
-int main(int argc, char** argv) {
-    const QApplication application(argc, argv);
-    testing::InitGoogleTest(&argc, argv);
+int main(int count, char** arguments) {
+    // A screen that exists in memory only, also where the tests are merely listed.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&count, arguments);
+    const QApplication application(count, arguments);
     return RUN_ALL_TESTS();
 }
