@@ -14,6 +14,7 @@ namespace {
 // In units of the work budget. A character that no usual font has is sought in all others.
 constexpr double kPerGlyph = 1000;
 constexpr double kPerNewGlyph = 1e6;
+constexpr double kPerShapedUnit = 1e5;
 
 /// Whether the shapes or the order of characters depend on one another, as in Arabic, Hebrew and the scripts
 /// of India.
@@ -78,7 +79,7 @@ DeviceContext::TextFrame DeviceContext::FrameOf(const TextCall& call, const Type
 
 DeviceContext::TextOutline DeviceContext::ShapedOutlineOf(const TextCall& call, const Typeface& face,
                                                           const TextFrame& frame) const {
-    if (!canvas_.Budget().Spend(kPerNewGlyph * static_cast<double>(call.text.size()))) return {};
+    if (!canvas_.Budget().Spend(kPerShapedUnit * static_cast<double>(call.text.size()))) return {};
     const Typeface::Glyphs glyphs = face.Shaped(call.text);
     QPointF end = frame.emAcross * glyphs.advance;
     QPointF across = frame.emAcross;
