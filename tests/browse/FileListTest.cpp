@@ -109,10 +109,11 @@ TEST_F(FileListTest, EachTypeHasOneIconAndUnknownTypesTheGenericOne) {
     Names names = {"k", "l.", "m.c", "n.\xc3\xbc\xc3\xbc", "o.toolong"};
     for (const auto& [name, type] : types) names.push_back(name);
     Open(names);
+    // "GIF image" reads like the name of an unknown type.
     EXPECT_EQ(iconsAskedFor_, (Names{"a.png", "e.ico", "f.ico", "h.doc"}));
-    EXPECT_EQ(ColumnOf(1),
-              (Names{"PNG image", "PNG image", "PNG image", "Link", "Symbol", "Symbol", "XYZ File", "Text",
-                     " File", " File", "C File", "\xc3\xbc\xc3\xbc File", " File"}));
+    EXPECT_EQ(ColumnOf(1), (Names{"Web picture", "Web picture", "Web picture", "Link", "Symbol", "Symbol",
+                                  "XYZ File", "Text", "GIF image", "Web picture", " File", " File", "C File",
+                                  "\xc3\xbc\xc3\xbc File", " File"}));
 }
 
 TEST_F(FileListTest, AsksBeforeItShowsManyIcons) {
