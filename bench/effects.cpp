@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string>
 
+#include "bench/PhotoLike.h"
 #include "core/rastx/effects/EffectTable.h"
 #include "core/rastx/effects/Resample.h"
 
@@ -20,29 +21,8 @@ using namespace tessara::effects;
 constexpr int kWidth = 6000;
 constexpr int kHeight = 4000;
 
-/// Gradients, some edges and noise: what a photograph makes a processor do.
-Picture MakePhotoLike(int width, int height) {
-    Picture picture = Picture::Create(width, height, Alpha::None).Value();
-    for (int y = 0; y < height; ++y) {
-        const auto row = picture.MutableRow(y);
-        for (int x = 0; x < width; ++x) {
-            const std::uint32_t random = RandomOf(static_cast<std::uint32_t>(y * width + x));
-            const float u = static_cast<float>(x) / 370;
-            const float v = static_cast<float>(y) / 290;
-            const auto channel = [&](float wave, int shift) {
-                const float edge = 40.0f * static_cast<float>((x / 410 + y / 530) % 2);
-                const float noise = static_cast<float>((random >> shift) & 15);
-                return static_cast<std::uint8_t>(std::clamp(100 + 80 * wave + edge + noise, 0.0f, 255.0f));
-            };
-            row[static_cast<std::size_t>(x)] = {channel(std::sin(u + v), 0), channel(std::sin(u), 8),
-                                                channel(std::cos(u - v), 16), 255};
-        }
-    }
-    return picture;
-}
-
 const Picture& Photo() {
-    static const Picture photo = MakePhotoLike(kWidth, kHeight);
+    static const Picture photo = bench::PhotoLike(kWidth, kHeight);
     return photo;
 }
 
@@ -126,7 +106,7 @@ int main(int argc, char** argv) {
     Register("ResampleShrink",
              [](benchmark::State& state) { RunResample(state, Photo(), 1897, 1265, ResampleQuality::Best); });
     Register("ResampleEnlarge", [](benchmark::State& state) {
-        static const Picture half = MakePhotoLike(kWidth / 2, kHeight / 2);
+        static const Picture half = bench::PhotoLike(kWidth / 2, kHeight / 2);
         RunResample(state, half, kWidth, kHeight, ResampleQuality::Best);
     });
     benchmark::RunSpecifiedBenchmarks();

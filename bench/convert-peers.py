@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Measures whole conversions beside other programs, in one run, and prints ratios.
 
-    bench/convert_peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|memory ...]
+    bench/convert-peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|memory ...]
 
 Installs the peers (GraphicsMagick, ImageMagick, libvips, OpenCV, Pillow) where they are missing. CPU seconds are
 user + system of the whole process and its threads; of OpenCV and Pillow only reading and writing count, not the
