@@ -5,7 +5,8 @@
 
 /// Decodes whatever the fuzzer makes up, with limits that keep one run short.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const auto codec = std::ranges::find(tessara::Codecs(), TESSARA_FUZZED_CODEC, &tessara::Codec::name);
+    static const auto codec =
+        std::ranges::find(tessara::Codecs(), TESSARA_FUZZED_CODEC, &tessara::Codec::name);
     if (codec == tessara::Codecs().end()) std::abort();
     tessara::DecodeOptions options;
     options.limits = {.side = 4096, .decodedBytes = std::uint64_t{16} << 20};
