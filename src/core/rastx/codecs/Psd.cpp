@@ -34,18 +34,6 @@ struct Resources {
     bool mergedPictureKept = true;
 };
 
-int LeastChannels(PsdMode mode) {
-    switch (mode) {
-        case PsdMode::Rgb:
-        case PsdMode::Lab:
-            return 3;
-        case PsdMode::Cmyk:
-            return 4;
-        default:
-            return 1;
-    }
-}
-
 bool IsKnownMode(PsdMode mode) {
     return mode <= PsdMode::Cmyk || (mode >= PsdMode::Multichannel && mode <= PsdMode::Lab);
 }
@@ -78,7 +66,7 @@ Result<PsdHeader> ReadHeader(ByteReader& reader) {
     if (!IsKnownMode(header.mode)) return Unsupported("the colour mode is unknown");
     if (!DepthFits(header.mode, header.depth)) return Unsupported("the depth does not fit the colour mode");
     constexpr int kMostChannels = 57;
-    if (header.channels < LeastChannels(header.mode) || header.channels > kMostChannels)
+    if (header.channels < ColorChannels(header.mode) || header.channels > kMostChannels)
         return Damaged("the number of channels does not fit the colour mode");
     return header;
 }

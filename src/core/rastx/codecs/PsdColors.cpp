@@ -17,18 +17,6 @@ PsdMode EffectiveMode(const PsdHeader& header) {
     return header.channels == 3 ? PsdMode::Rgb : PsdMode::Grey;
 }
 
-int PlanesOf(PsdMode mode) {
-    switch (mode) {
-        case PsdMode::Rgb:
-        case PsdMode::Lab:
-            return 3;
-        case PsdMode::Cmyk:
-            return 4;
-        default:
-            return 1;
-    }
-}
-
 SampleColors SampleColorsOf(PsdMode mode) {
     switch (mode) {
         case PsdMode::Bitmap:
@@ -132,7 +120,7 @@ Bytes StandIn(PsdMode mode, std::size_t plane, std::size_t count, std::span<cons
 }  // namespace
 
 PsdColors::PsdColors(const PsdHeader& header, Bytes palette, int transparentIndex, Bytes icc)
-    : mode_(EffectiveMode(header)), depth_(header.depth), planes_(PlanesOf(mode_)) {
+    : mode_(EffectiveMode(header)), depth_(header.depth), planes_(ColorChannels(mode_)) {
     palette_.fill(kBlack);
     // FIXME: a profile of 32-bit documents has linear curves; its primaries are taken as those of sRGB.
     if (depth_ != 32) profile_ = ColorProfile::Open(icc, SampleColorsOf(mode_));

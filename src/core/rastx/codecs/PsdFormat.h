@@ -16,6 +16,19 @@ enum class PsdMode : std::uint16_t {
     Lab = 9,
 };
 
+/// How many channels the colours of a model take.
+constexpr int ColorChannels(PsdMode mode) {
+    switch (mode) {
+        case PsdMode::Rgb:
+        case PsdMode::Lab:
+            return 3;
+        case PsdMode::Cmyk:
+            return 4;
+        default:
+            return 1;
+    }
+}
+
 struct PsdHeader {
     bool large = false;  ///< the PSB form: longer lengths in several places
     int channels = 0;
