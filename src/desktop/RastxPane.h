@@ -22,7 +22,7 @@ class RastxPane : public QWidget {
     int ViewMode() const { return ViewMode_; }
     void SetViewMode(int mode);
 
-  signals:
+  Q_SIGNALS:
     /// Positions are asked for with MouseX and MouseY, in picture pixels in both modes.
     void ImageMouseDown();
     void ImageMouseMove();

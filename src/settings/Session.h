@@ -27,6 +27,9 @@ struct Session {
     int CaptureHeight = 64;  ///< pixels
     std::string TargetName;  ///< replaces the base name of a single conversion's target where not empty
     ColorNumber TransparentColor = RGB(255, 255, 255);
+    bool DontShowOptions = false;     ///< a conversion starts without the options dialog
+    bool OptionsFromConvert = false;  ///< the options dialog stands before a conversion
+    bool ConvertConfirmed = false;    ///< the options dialog was left by "Convert Now" or "OK"
 
     // The start.
     bool Starting = true;         ///< until the window is complete
@@ -46,6 +49,15 @@ struct Session {
     int UndoTop = 0;
     bool UndoPending = false;
     bool UndoEnabled = false;
+
+    // The effect that was chosen last.
+    int EffectCode = 0;
+    int EffectMenuIndex = 0;
+    std::string EffectCaption;
+    std::string EffectGroup;
+
+    bool CaptureMode = false;   ///< a screen capture runs
+    bool SlideRunning = false;  ///< a slide show runs
 
     /// Checked rows of the file list.
     int SelectedCount = 0;

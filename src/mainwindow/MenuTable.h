@@ -1,0 +1,39 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace tessara {
+
+/// A menu of the bar or a submenu. Its items are the control array `array`; a head without one acts itself.
+struct MenuHead {
+    std::string_view name;
+    std::string_view caption;
+    std::string_view array;
+    std::string_view parent = {};  ///< the name of another head; empty in the menu bar
+};
+
+/// An item of a control array. The caption "-" is a separator.
+struct MenuItem {
+    std::string_view array;
+    int index;
+    std::string_view caption;
+    std::string_view shortcut = {};
+    bool enabled = true;  ///< at the start
+    bool checkable = false;
+};
+
+/// In the order shown. Effects and filters have their items in the effect catalogue.
+std::span<const MenuHead> MenuHeads();
+std::span<const MenuItem> MenuItems();
+
+/// A button of the toolbar `Imagetool`.
+struct ToolButton {
+    int index;
+    std::string_view tooltip;
+    int left;               ///< twips
+    std::string_view icon;  ///< name of its picture
+};
+std::span<const ToolButton> ToolButtons();
+
+}  // namespace tessara
