@@ -2,7 +2,10 @@
 
 #include <deque>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "core/rastx/Picture.h"
 
 namespace tessara {
 
@@ -17,6 +20,20 @@ struct Prompt {
     PromptIcon icon = PromptIcon::None;
 };
 
+/// A row of a save dialog's list of types.
+struct SaveFilter {
+    std::string name;     ///< shown as it stands: "GIF Files (*.gif)"
+    std::string pattern;  ///< "*.gif"; "*.*" stands for every file
+};
+
+/// What a save dialog starts with. Paths are bytes.
+struct SaveRequest {
+    std::string folder;
+    std::string name;  ///< of the file, with or without its folder
+    std::vector<SaveFilter> filters;
+    int filterIndex = 1;  ///< from 1
+};
+
 /// Questions and messages to the user; all of them are modal.
 class Prompts {
   public:
@@ -25,29 +42,43 @@ class Prompts {
     virtual void Beep() = 0;
     /// The folder picker; empty where the user cancels.
     virtual std::string PickFolder(const std::string& title) = 0;
+    /// The save dialog; asks by itself before an existing file is chosen. A name that ends in none of the
+    /// patterns' suffixes gets that of the chosen one. Empty where the user cancels.
+    virtual std::string PickSaveFile(const SaveRequest& request) = 0;
+    /// The colour dialog; `start` where the user cancels.
+    virtual ColorNumber PickColor(const std::string& title, ColorNumber start) = 0;
 };
 
-/// Answers from a list and remembers what was asked.
+/// Answers from lists, each taken one by one, and remembers what was asked.
 class ScriptedPrompts final : public Prompts {
   public:
-    std::deque<Answer> answers;  ///< taken one by one; an unexpected question gets Cancel
+    std::deque<Answer> answers;  ///< an unexpected question gets Cancel, as all dialogs here do
     std::deque<std::string> folders;
+    std::deque<std::string> files;
+    std::deque<ColorNumber> colors;
     std::vector<Prompt> asked;
+    std::vector<SaveRequest> saveRequests;
     int beeps = 0;
 
     Answer Ask(const Prompt& prompt) override {
         asked.push_back(prompt);
-        if (answers.empty()) return Answer::Cancel;
-        const Answer answer = answers.front();
-        answers.pop_front();
-        return answer;
+        return Next(answers, Answer::Cancel);
     }
     void Beep() override { ++beeps; }
-    std::string PickFolder(const std::string&) override {
-        if (folders.empty()) return {};
-        std::string folder = folders.front();
-        folders.pop_front();
-        return folder;
+    std::string PickFolder(const std::string&) override { return Next(folders, {}); }
+    std::string PickSaveFile(const SaveRequest& request) override {
+        saveRequests.push_back(request);
+        return Next(files, {});
+    }
+    ColorNumber PickColor(const std::string&, ColorNumber start) override { return Next(colors, start); }
+
+  private:
+    template <typename Value>
+    static Value Next(std::deque<Value>& values, Value otherwise) {
+        if (values.empty()) return otherwise;
+        Value value = std::move(values.front());
+        values.pop_front();
+        return value;
     }
 };
 

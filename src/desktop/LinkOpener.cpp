@@ -1,0 +1,25 @@
+#include "desktop/LinkOpener.h"
+
+#include <QDesktopServices>
+#include <QUrl>
+
+#include "core/Text.h"
+#include "desktop/PathText.h"
+
+namespace tessara {
+
+std::string LinkAddress(std::string target, std::string_view kind) {
+    for (char& c : target) c = LowerCase(c);
+    target.erase(target.find_last_not_of(std::string_view(" \0", 2)) + 1);
+    if (EqualIgnoringCase(kind, "WEB")) {
+        const bool hasScheme = target.starts_with("http://") || target.starts_with("ftp://");
+        return hasScheme ? target : "http://" + target;
+    }
+    return EqualIgnoringCase(kind, "MAIL") ? "mailto:" + target : target;
+}
+
+void DesktopLinkOpener::Open(const std::string& address) {
+    QDesktopServices::openUrl(QUrl(ShownText(address)));
+}
+
+}  // namespace tessara
