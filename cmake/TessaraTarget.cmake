@@ -24,3 +24,12 @@ function(tessara_widget_library target)
     target_link_libraries(${target} PUBLIC Qt6::Widgets)
     target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
 endfunction()
+
+# A module that core loads when it first reads a file of some kind. Modules are looked for beside the executable.
+function(tessara_codec_module target)
+    add_library(${target} MODULE ${ARGN})
+    tessara_target(${target})
+    target_link_libraries(${target} PRIVATE tessara_core)
+    set_target_properties(${target} PROPERTIES LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+    install(TARGETS ${target} LIBRARY DESTINATION "${TESSARA_MODULE_DIR}")
+endfunction()

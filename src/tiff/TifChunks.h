@@ -7,7 +7,7 @@
 
 #include "core/Bytes.h"
 #include "core/LargeBuffer.h"
-#include "core/rastx/codecs/TifFile.h"
+#include "tiff/TifFile.h"
 
 namespace tessara {
 

@@ -1,4 +1,4 @@
-#include "core/rastx/codecs/TifFile.h"
+#include "tiff/TifFile.h"
 
 #include <algorithm>
 #include <cmath>

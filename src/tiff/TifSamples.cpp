@@ -1,4 +1,4 @@
-#include "core/rastx/codecs/TifSamples.h"
+#include "tiff/TifSamples.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,10 +1,10 @@
-#include "core/rastx/codecs/TifChunks.h"
+#include "tiff/TifChunks.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "core/Multiversion.h"
-#include "core/rastx/codecs/TifLzw.h"
+#include "tiff/TifLzw.h"
 
 namespace tessara {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/rastx/codecs/TifLzw.h"
+#include "tiff/TifLzw.h"
 
 #include <algorithm>
 #include <array>

@@ -7,8 +7,8 @@
 
 #include "core/Bytes.h"
 #include "core/rastx/ColorProfile.h"
-#include "core/rastx/codecs/TifFile.h"
-#include "core/rastx/codecs/TifSamples.h"
+#include "tiff/TifFile.h"
+#include "tiff/TifSamples.h"
 
 namespace tessara {
 

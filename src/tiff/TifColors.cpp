@@ -1,4 +1,4 @@
-#include "core/rastx/codecs/TifColors.h"
+#include "tiff/TifColors.h"
 
 #include <algorithm>
 
