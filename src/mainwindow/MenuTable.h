@@ -5,12 +5,16 @@
 
 namespace tessara {
 
-/// A menu of the bar or a submenu. Its items are the control array `array`; a head without one acts itself.
+enum class HeadKind { Menu, Entry, Separator };
+
+/// A menu of the bar or a submenu, whose items are the control array `array`; or an entry or separator among
+/// menus.
 struct MenuHead {
     std::string_view name;
     std::string_view caption;
     std::string_view array;
     std::string_view parent = {};  ///< the name of another head; empty in the menu bar
+    HeadKind kind = HeadKind::Menu;
 };
 
 /// An item of a control array. The caption "-" is a separator.
@@ -23,7 +27,8 @@ struct MenuItem {
     bool checkable = false;
 };
 
-/// In the order shown. Effects and filters have their items in the effect catalogue.
+/// In the order shown, a menu before its submenus. Effects and filters have their items in the effect
+/// catalogue.
 std::span<const MenuHead> MenuHeads();
 std::span<const MenuItem> MenuItems();
 

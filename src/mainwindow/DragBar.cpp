@@ -1,0 +1,51 @@
+#include "mainwindow/DragBar.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace tessara {
+
+DragBar::DragBar(const QString& name, Qt::Orientation orientation, QWidget* parent)
+    : QWidget(parent), orientation_(orientation) {
+    setObjectName(name);
+    setCursor(orientation == Qt::Vertical ? Qt::SplitHCursor : Qt::SplitVCursor);
+}
+
+void DragBar::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) Q_EMIT MouseDown();
+}
+
+void DragBar::mouseMoveEvent(QMouseEvent* event) {
+    const QPoint at = event->position().toPoint();
+    if (event->buttons().testFlag(Qt::LeftButton)) Q_EMIT MouseMove(at.x(), at.y());
+}
+
+void DragBar::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) Q_EMIT MouseUp();
+}
+
+void DragBar::paintEvent(QPaintEvent*) {
+    // Three dots in the middle show that the bar can be taken.
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(palette().color(QPalette::Mid));
+    constexpr qreal kDistance = 6, kRadius = 1.2;
+    for (const int i : {-1, 0, 1}) {
+        const QPointF step =
+            orientation_ == Qt::Vertical ? QPointF(0, i * kDistance) : QPointF(i * kDistance, 0);
+        painter.drawEllipse(QRectF(rect()).center() + step, kRadius, kRadius);
+    }
+}
+
+DragGhost::DragGhost(const QString& name, QWidget* parent) : QWidget(parent) {
+    setObjectName(name);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    hide();
+}
+
+void DragGhost::paintEvent(QPaintEvent*) {
+    QPainter(this).fillRect(rect(), QColor(64, 64, 64));
+}
+
+}  // namespace tessara

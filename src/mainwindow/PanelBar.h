@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QLabel>
+#include <vector>
+
+namespace tessara {
+
+/// A status bar of panels side by side. Panels count from 1 and have the keys of their bar with their number.
+class PanelBar : public QWidget {
+    Q_OBJECT
+  public:
+    PanelBar(const QString& name, const QString& key, int panels, QWidget* parent);
+
+    void SetText(int panel, const QString& text);
+    QString Text(int panel) const;
+    /// Pixels; what the last panel has is what is left of the bar.
+    void SetPanelWidth(int panel, int width);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    struct Panel {
+        QLabel* label;
+        QString text;  ///< whole, where the label has no room for it
+        int width = 0;
+    };
+    void Place();
+    void ShowText(Panel& panel);
+    Panel& At(int panel) { return panels_[static_cast<std::size_t>(panel - 1)]; }
+
+    std::vector<Panel> panels_;
+};
+
+}  // namespace tessara
