@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <string>
 
@@ -9,6 +10,11 @@
 #include "core/rastx/Picture.h"
 
 namespace tessara {
+
+namespace effects {
+struct Effect;
+struct EffectRun;
+}  // namespace effects
 
 /// Carries a picture from one pane to another, and to other programs: the clipboard, or what stands in for
 /// it.
@@ -84,6 +90,9 @@ class Rastx {
     /// Recalculates the picture to the new size; `fast` is for viewers, which ask at every step of the zoom.
     Result<void> Resample(int width, int height, bool fast);
 
+    /// Runs an effect of the table by its row; the operations below are the same effects by name.
+    Result<void> Run(const effects::Effect& effect, const std::array<double, 3>& arguments);
+
     // The effects; effects/EffectTable.h tells the ranges and defaults, the headers beside it what each does.
     Result<void> FxAddNoise(int percent, bool monochromatic);
     Result<void> FxAntiAlias();
@@ -158,6 +167,7 @@ class Rastx {
         if (surroundings_.changed) surroundings_.changed();
     }
 
+    effects::EffectRun StartRun() const;
     /// Runs an effect of effects/ on the picture; what it returns is the new picture.
     template <typename Effect, typename... Arguments>
     Result<void> Change(Effect effect, Arguments... arguments);

@@ -6,6 +6,7 @@
 #include "core/rastx/effects/Convolution.h"
 #include "core/rastx/effects/Displacement.h"
 #include "core/rastx/effects/Edges.h"
+#include "core/rastx/effects/EffectTable.h"
 #include "core/rastx/effects/Geometry.h"
 #include "core/rastx/effects/Mosaic.h"
 #include "core/rastx/effects/Noise.h"
@@ -14,17 +15,27 @@
 
 namespace tessara {
 
+effects::EffectRun Rastx::StartRun() const {
+    return {surroundings_.threads, surroundings_.randomSeed ? surroundings_.randomSeed() : 0};
+}
+
 template <typename Effect, typename... Arguments>
 Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
     if (picture_.Empty()) return BadArgument("there is no picture");
-    const effects::EffectRun run{surroundings_.threads,
-                                 surroundings_.randomSeed ? surroundings_.randomSeed() : 0};
+    const effects::EffectRun run = StartRun();
     if constexpr (std::is_invocable_r_v<Picture, Effect, Picture, Arguments..., effects::EffectRun>) {
         // Such an effect cannot fail, and works in place on a picture that is handed over.
         picture_ = effect(std::move(picture_), arguments..., run);
     } else {
         TRY_ASSIGN(picture_, effect(picture_, arguments..., run));
     }
+    Changed();
+    return {};
+}
+
+Result<void> Rastx::Run(const effects::Effect& effect, const effects::ArgumentValues& arguments) {
+    if (picture_.Empty()) return BadArgument("there is no picture");
+    TRY_ASSIGN(picture_, effect.apply(picture_, arguments, StartRun()));
     Changed();
     return {};
 }
