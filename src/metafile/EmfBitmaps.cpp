@@ -52,37 +52,40 @@ QImage EmfPlayer::Decode(const RecordBitmap& bitmap) {
     return DecodeBitmap(bitmap, State().palette, options_, canvas_.Budget());
 }
 
-void EmfPlayer::StretchDib(Record& record) {
+EmfPlayer::DibRecord EmfPlayer::ReadDibRecord(Record& record) const {
     ByteReader& reader = record.reader;
     reader.Skip(kBoundsBytes);
-    const QPointF corner = ReadPoint(reader);
-    const QPointF sourceCorner = ReadPoint(reader);
-    const QPointF sourceSize = ReadPoint(reader);
-    RecordBitmap bitmap = ReadBitmapPlace(record, false);
-    bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
-    const auto operation = RasterOperation::OfBitmap(reader.U32Le());
-    const QPointF size = ReadPoint(reader);
-    const QRectF target(corner, QSizeF(size.x(), size.y()));
-    if (!operation.NeedsSource()) return context_.FillPattern(target, operation);
-    const QImage image = Decode(bitmap);
+    DibRecord dib;
+    dib.corner = ReadPoint(reader);
+    dib.sourceCorner = ReadPoint(reader);
+    dib.sourceSize = ReadPoint(reader);
+    dib.bitmap = ReadBitmapPlace(record, false);
+    dib.bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
+    return dib;
+}
+
+QRectF EmfPlayer::DibRecord::Source(int imageHeight) const {
     QRectF source(sourceCorner, QSizeF(sourceSize.x(), sourceSize.y()));
-    if (bitmap.BottomUp()) source.moveTop(image.height() - source.y() - source.height());
-    context_.DrawBitmap(PartOf(image, source, target, operation));
+    if (bitmap.BottomUp()) source.moveTop(imageHeight - source.y() - source.height());
+    return source;
+}
+
+void EmfPlayer::StretchDib(Record& record) {
+    const DibRecord dib = ReadDibRecord(record);
+    const auto operation = RasterOperation::OfBitmap(record.reader.U32Le());
+    const QPointF size = ReadPoint(record.reader);
+    const QRectF target(dib.corner, QSizeF(size.x(), size.y()));
+    if (!operation.NeedsSource()) return context_.FillPattern(target, operation);
+    const QImage image = Decode(dib.bitmap);
+    context_.DrawBitmap(PartOf(image, dib.Source(image.height()), target, operation));
 }
 
 void EmfPlayer::SetDibToDevice(Record& record) {
-    ByteReader& reader = record.reader;
-    reader.Skip(kBoundsBytes);
-    const QPointF corner = ReadPoint(reader);
-    const QPointF sourceCorner = ReadPoint(reader);
-    const QPointF size = ReadPoint(reader);
-    RecordBitmap bitmap = ReadBitmapPlace(record, false);
-    bitmap.usage = static_cast<ColorUsage>(reader.U32Le());
-    const QImage image = Decode(bitmap);
-    QRectF source(sourceCorner, QSizeF(size.x(), size.y()));
-    if (bitmap.BottomUp()) source.moveTop(image.height() - source.y() - source.height());
+    const DibRecord dib = ReadDibRecord(record);
+    const QImage image = Decode(dib.bitmap);
+    const QRectF source = dib.Source(image.height());
     // The corner is logical, but the size counts pixels.
-    BitmapCall call = PartOf(image, source, QRectF(context_.ToReference().map(corner), source.size()),
+    BitmapCall call = PartOf(image, source, QRectF(context_.ToReference().map(dib.corner), source.size()),
                              RasterOperation::CopySource());
     call.targetInPixels = true;
     context_.DrawBitmap(call);

@@ -157,12 +157,7 @@ void EmfPlayer::CreateFont(Record& record) {
     font.escapement = reader.I32Le() / 10.0;
     reader.Skip(4);
     font.weight = reader.I32Le();
-    font.italic = reader.U8() != 0;
-    font.underline = reader.U8() != 0;
-    font.strikeOut = reader.U8() != 0;
-    font.charset = reader.U8();
-    reader.Skip(3);
-    font.pitchAndFamily = reader.U8();
+    ReadFontStyle(reader, font);
     font.face = ReadFace(reader);
     objects_.Set(slot, font);
 }

@@ -152,6 +152,14 @@ class EmfPlayer {
     std::vector<QPointF> ReadCountedPoints(Record& record) const;
     std::vector<std::vector<QPointF>> ReadPolygons(Record& record) const;
     RecordBitmap ReadBitmapPlace(Record& record, bool usageFollows = true) const;
+    /// What the records of device independent bitmaps begin with.
+    struct DibRecord {
+        QPointF corner, sourceCorner, sourceSize;
+        RecordBitmap bitmap;
+        /// The part of the image that is meant, from its top.
+        QRectF Source(int imageHeight) const;
+    };
+    DibRecord ReadDibRecord(Record& record) const;
     QImage Decode(const RecordBitmap& bitmap);
     void SelectStock(std::uint32_t number);
     void Select(const Object& object);

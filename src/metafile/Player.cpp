@@ -36,6 +36,15 @@ QRgb ColorOf(std::uint32_t value, const Palette& palette) {
                 static_cast<int>((value >> 16) & 0xFF));
 }
 
+void ReadFontStyle(ByteReader& reader, Font& font) {
+    font.italic = reader.U8() != 0;
+    font.underline = reader.U8() != 0;
+    font.strikeOut = reader.U8() != 0;
+    font.charset = reader.U8();
+    reader.Skip(3);
+    font.pitchAndFamily = reader.U8();
+}
+
 }  // namespace tessara::metafile
 
 /// The entry of the module.

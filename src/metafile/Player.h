@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/ByteReader.h"
 #include "core/rastx/Codec.h"
 #include "metafile/Canvas.h"
 #include "metafile/Objects.h"
@@ -22,5 +23,8 @@ QSize PictureSize(double width, double height, std::size_t fileBytes, const Limi
 
 /// Colours as records hold them: red, green, blue, and a flag that may make them an index into the palette.
 QRgb ColorOf(std::uint32_t value, const Palette& palette);
+
+/// What both kinds of font records have alike, from the flags of style to the family.
+void ReadFontStyle(ByteReader& reader, Font& font);
 
 }  // namespace tessara::metafile

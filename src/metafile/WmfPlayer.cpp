@@ -293,12 +293,7 @@ void WmfPlayer::CreateFont(ByteReader& reader) {
     font.escapement = reader.I16Le() / 10.0;
     reader.Skip(2);
     font.weight = reader.I16Le();
-    font.italic = reader.U8() != 0;
-    font.underline = reader.U8() != 0;
-    font.strikeOut = reader.U8() != 0;
-    font.charset = reader.U8();
-    reader.Skip(3);
-    font.pitchAndFamily = reader.U8();
+    ReadFontStyle(reader, font);
     const Bytes name = reader.TakeUpTo(32);
     const auto end = std::ranges::find(name, std::uint8_t{0});
     font.face = DecodeText(name.first(static_cast<std::size_t>(end - name.begin())), font.charset).text;

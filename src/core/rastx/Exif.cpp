@@ -11,20 +11,12 @@
 #include <utility>
 
 #include "core/ByteReader.h"
+#include "core/rastx/TiffTags.h"
 
 namespace tessara {
 namespace {
 
-enum Tag : std::uint16_t {
-    kOrientation = 0x0112,
-    kXResolution = 0x011a,
-    kYResolution = 0x011b,
-    kResolutionUnit = 0x0128,
-    kThumbnailOffset = 0x0201,
-    kThumbnailLength = 0x0202,
-};
-enum Type : std::uint16_t { kShort = 3, kLong = 4, kRational = 5 };
-constexpr std::size_t kEntrySize = 12;
+using namespace tiff;
 
 /// A reader in the byte order of the block.
 class ExifReader {

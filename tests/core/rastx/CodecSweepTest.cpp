@@ -79,6 +79,41 @@ TEST(Samples, EveryOneIsReadWithItsTrueSize) {
     EXPECT_EQ(foldersRead.size(), ImportFormatTable().size());
 }
 
+TEST(Samples, HaveTheirTruePixels) {
+    SKIP_WITHOUT_SAMPLES();
+    const struct {
+        const char* name;
+        int x, y;
+        Pixel pixel;
+    } kRows[] = {
+        {"jpeg/hibiscus.regular.jpeg", 150, 200, {64, 95, 86, 255}},
+        {"jpg/cat.jpg", 100, 100, {111, 99, 99, 255}},
+        // Inks of 76, 45 and 16 without black.
+        {"jpg/cymk.jpg", 300, 200, {239, 210, 179, 255}},
+        {"png/hippopotamus.interlaced.png", 18, 14, {82, 91, 46, 255}},
+        {"png/iptc.png", 31, 31, {198, 206, 210, 255}},
+        {"png/bpp2-indexed.png", 3, 12, {0, 255, 255, 255}},
+        {"png/bpp16-grayscale-alpha.png", 8, 8, {119, 119, 119, 128}},
+        {"tif/Oregon_Scientific_DS6639_-_DSC_0307_-_small_-_LZW_-_strips.tif",
+         211,
+         133,
+         {250, 241, 251, 255}},
+        {"tif/4bit.tif", 100, 2, {102, 102, 102, 255}},
+        {"tif/1pagefax.tif", 1727, 1145, {255, 255, 255, 255}},
+        {"tif/IndexColorPalette.tif", 100, 200, {0, 0, 255, 255}},
+        {"tif/ycbcr_jpeg_8bit.tif", 300, 200, {25, 9, 0, 255}},
+        {"tiff/hat.tiff", 44, 60, {13, 162, 223, 255}},
+        {"tiff/ccitt4.tiff", 56, 150, {0, 0, 0, 255}},
+        {"tiff/rgb-3c-16b.tiff", 80, 70, {110, 192, 143, 255}},
+        {"tiff/bpp32-rgba.tiff", 5, 9, {0, 255, 255, 119}},
+        {"tiff/tiff_tiled_planar_lzw.tiff", 270, 370, {223, 255, 255, 255}},
+    };
+    for (const auto& row : kRows)
+        EXPECT_EQ(test::Must(DecodeFile(test::Sample(row.name), ExtensionOf(row.name))).At(row.x, row.y),
+                  row.pixel)
+            << row.name;
+}
+
 TEST(Samples, ContentsDecideBeforeTheName) {
     SKIP_WITHOUT_SAMPLES();
     std::size_t told = 0;

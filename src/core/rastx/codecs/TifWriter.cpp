@@ -5,6 +5,7 @@
 #include "core/Multiversion.h"
 #include "core/ZlibPacker.h"
 #include "core/rastx/Rows.h"
+#include "core/rastx/TiffTags.h"
 #include "core/rastx/codecs/Tif.h"
 
 // A TIFF of one picture (TIFF 6.0): header, strips, then what does not fit into the directory, and the
@@ -16,24 +17,7 @@
 namespace tessara {
 namespace {
 
-enum Tag : std::uint16_t {
-    kImageWidth = 256,
-    kImageLength = 257,
-    kBitsPerSample = 258,
-    kCompression = 259,
-    kPhotometric = 262,
-    kStripOffsets = 273,
-    kSamplesPerPixel = 277,
-    kRowsPerStrip = 278,
-    kStripByteCounts = 279,
-    kXResolution = 282,
-    kYResolution = 283,
-    kPlanarConfiguration = 284,
-    kResolutionUnit = 296,
-    kPredictor = 317,
-    kExtraSamples = 338,
-};
-enum FieldType : std::uint16_t { kShort = 3, kLong = 4, kRational = 5 };
+using namespace tiff;
 
 constexpr std::uint32_t kDeflate = 8;
 constexpr std::uint32_t kHorizontalDifferences = 2;
@@ -141,7 +125,7 @@ Result<Strips> WriteStrips(const Picture& picture, Samples samples, ByteSink& si
 /// Gathers the entries of a directory; they must be added in the order of their tags.
 class Directory {
   public:
-    void Add(Tag tag, FieldType type, const std::vector<std::uint32_t>& values) {
+    void Add(Tag tag, Type type, const std::vector<std::uint32_t>& values) {
         ByteWriter data;
         for (const std::uint32_t value : values) type == kShort ? data.U16Le(value) : data.U32Le(value);
         const std::size_t count = type == kRational ? values.size() / 2 : values.size();
@@ -175,7 +159,7 @@ class Directory {
   private:
     struct Entry {
         Tag tag;
-        FieldType type;
+        Type type;
         std::uint32_t count;
         ByteVector data;
     };

@@ -171,21 +171,5 @@ TEST(Jpg, FilesWithoutAPictureAreRefused) {
     }
 }
 
-TEST(Jpg, SamplesHaveTheirTruePixels) {
-    SKIP_WITHOUT_SAMPLES();
-    const struct {
-        const char* name;
-        int x, y;
-        Pixel pixel;
-    } cases[] = {
-        {"jpeg/hibiscus.regular.jpeg", 150, 200, {64, 95, 86, 255}},
-        {"jpg/cat.jpg", 100, 100, {111, 99, 99, 255}},
-        // Inks of 76, 45 and 16 without black.
-        {"jpg/cymk.jpg", 300, 200, {239, 210, 179, 255}},
-    };
-    for (const auto& row : cases)
-        EXPECT_EQ(Read(test::Sample(row.name)).At(row.x, row.y), row.pixel) << row.name;
-}
-
 }  // namespace
 }  // namespace tessara

@@ -181,21 +181,5 @@ TEST(Png, ResolutionAndExifAreKept) {
     EXPECT_EQ(Sketch(read), "RGB");
 }
 
-TEST(Png, SamplesHaveTheirTruePixels) {
-    SKIP_WITHOUT_SAMPLES();
-    const struct {
-        const char* name;
-        int x, y;
-        Pixel pixel;
-    } cases[] = {
-        {"png/hippopotamus.interlaced.png", 18, 14, {82, 91, 46, 255}},
-        {"png/iptc.png", 31, 31, {198, 206, 210, 255}},
-        {"png/bpp2-indexed.png", 3, 12, {0, 255, 255, 255}},
-        {"png/bpp16-grayscale-alpha.png", 8, 8, {119, 119, 119, 128}},
-    };
-    for (const auto& row : cases)
-        EXPECT_EQ(Read(test::Sample(row.name)).At(row.x, row.y), row.pixel) << row.name;
-}
-
 }  // namespace
 }  // namespace tessara

@@ -460,37 +460,6 @@ TEST(Tif, TurnsUprightAndTellsTheResolution) {
         Must(DecodeTif(File(With(1, 1, 8, 1, 1, noUnit), {Hex("00")}), {})).Meta().resolution.Known());
 }
 
-TEST(Tif, ReadsFilesOfOtherPrograms) {
-    SKIP_WITHOUT_SAMPLES();
-    const struct {
-        const char* name;
-        int width, height, x, y;
-        Pixel expected;
-    } cases[] = {
-        {"tif/Oregon_Scientific_DS6639_-_DSC_0307_-_small_-_LZW_-_strips.tif",
-         300,
-         225,
-         211,
-         133,
-         {250, 241, 251, 255}},
-        {"tif/4bit.tif", 256, 4, 100, 2, {102, 102, 102, 255}},
-        {"tif/1pagefax.tif", 1728, 1146, 1727, 1145, {255, 255, 255, 255}},
-        {"tif/IndexColorPalette.tif", 252, 265, 100, 200, {0, 0, 255, 255}},
-        {"tif/ycbcr_jpeg_8bit.tif", 512, 384, 300, 200, {25, 9, 0, 255}},
-        {"tiff/hat.tiff", 90, 112, 44, 60, {13, 162, 223, 255}},
-        {"tiff/ccitt4.tiff", 400, 300, 56, 150, {0, 0, 0, 255}},
-        {"tiff/rgb-3c-16b.tiff", 157, 151, 80, 70, {110, 192, 143, 255}},
-        {"tiff/bpp32-rgba.tiff", 16, 16, 5, 9, {0, 255, 255, 119}},
-        {"tiff/tiff_tiled_planar_lzw.tiff", 278, 374, 270, 370, {223, 255, 255, 255}},
-    };
-    for (const auto& row : cases) {
-        const Picture picture = Must(DecodeTif(test::Sample(row.name), {}));
-        EXPECT_EQ(picture.Width(), row.width) << row.name;
-        EXPECT_EQ(picture.Height(), row.height) << row.name;
-        EXPECT_EQ(picture.At(row.x, row.y), row.expected) << row.name;
-    }
-}
-
 ByteVector Written(const Picture& picture) {
     MemorySink sink;
     Must(EncodeTif(picture, {}, sink));
