@@ -1,19 +1,23 @@
 #pragma once
 
-#include <QWidget>
+#include <QAbstractScrollArea>
+#include <QPointF>
 
 #include "core/rastx/Rastx.h"
+#include "desktop/ViewGeometry.h"
 
 namespace tessara {
 
 /// The imaging pane on screen: shows the picture of its Rastx and lets the user drag out a rectangle.
-class RastxPane : public QWidget {
+/// The middle button drags a picture that is larger than the view, the arrow keys scroll it. Mouse events
+/// reach the pane through its viewport().
+class RastxPane : public QAbstractScrollArea {
     Q_OBJECT
   public:
     /// `surroundings.changed` is taken by the pane itself.
     RastxPane(Rastx::Surroundings surroundings, QWidget* parent);
 
-    /// The picture and all operations on it.
+    /// The picture and all operations on it. Changes show with the next events, and at once after repaint().
     Rastx& rastx() { return rastx_; }
     const Rastx& rastx() const { return rastx_; }
 
@@ -23,17 +27,64 @@ class RastxPane : public QWidget {
     void SetViewMode(int mode);
 
   Q_SIGNALS:
-    /// Positions are asked for with MouseX and MouseY, in picture pixels in both modes.
-    void ImageMouseDown();
-    void ImageMouseMove();
-    void ImageMouseUp();
+    /// Positions are asked for with MouseX and MouseY, in picture pixels in both modes; beside the picture
+    /// they are those of the nearest pixel.
+    void ImageMouseDown();  ///< the left button, over the picture
+    void ImageMouseMove();  ///< anywhere over the pane, or with the button held down
+    void ImageMouseUp();    ///< follows each ImageMouseDown
     void ImageRightClick();
     void ImageDblClick();
+    /// The picture is another one; not raised for changes of the rectangle.
     void ImageChanged();
 
+  protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
+    /// What was last shrunk, so that repainting costs no more than copying it to the screen.
+    struct ShrunkPicture {
+        Picture picture;
+        unsigned revision = 0;
+    };
+
+    double PixelRatio() const { return viewport()->devicePixelRatioF(); }
+    QSize InPixels(const QSize& size) const;
+    QSize PictureSize() const { return {rastx_.ImageWidth(), rastx_.ImageHeight()}; }
+    QRect Selection() const;
+    ViewGeometry Geometry() const;
+    void RastxChanged();
+
+    const Picture& ShownPicture(const ViewGeometry& geometry);
+    void DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed);
+
+    bool CanScroll() const;
+    void UpdateScrollBars();
+    void KeepMiddle();
+    QPoint Scroll() const;
+    void ScrollTo(const QPoint& scroll);
+    void ScrollTowards(const QPoint& position);
+
+    QPoint ViewPoint(const QPointF& position) const { return (position * PixelRatio()).toPoint(); }
+    void MoveMouse(const QPointF& position);
+    void EndPress();
+
     Rastx rastx_;
     int ViewMode_ = 0;
+    unsigned revision_ = 0;
+    ShrunkPicture shrunk_;
+    QPointF middle_{0.5, 0.5};  ///< where the middle of the view lies in the picture, as parts of its sides
+    bool placing_ = false;      ///< the scroll bars move by themselves
+    bool pressed_ = false;      ///< ImageMouseDown was raised, ImageMouseUp is to follow
+    bool dragging_ = false;
+    QPoint dragStart_;  ///< the point of the picture that the mouse holds
 };
 
 }  // namespace tessara

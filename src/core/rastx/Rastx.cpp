@@ -20,11 +20,12 @@ const ExportFormat& FormatOf(std::string_view suffix) {
 
 void Rastx::SetImage(Picture picture) {
     picture_ = std::move(picture);
-    Changed();
+    PictureChanged();
 }
 
 void Rastx::ClearImage() {
     picture_ = {};
+    ++revision_;
     ClearSelect();
 }
 

@@ -59,6 +59,8 @@ class Rastx {
 
     /// The whole picture; empty after ClearImage.
     const Picture& Image() const { return picture_; }
+    /// Differs after every change of the picture; changes of the rectangle do not count.
+    unsigned Revision() const { return revision_; }
     void SetImage(Picture picture);
     int ImageWidth() const { return picture_.Width(); }
     int ImageHeight() const { return picture_.Height(); }
@@ -168,12 +170,18 @@ class Rastx {
     }
 
     effects::EffectRun StartRun() const;
+    void PictureChanged() {
+        ++revision_;
+        Changed();
+    }
+
     /// Runs an effect of effects/ on the picture; what it returns is the new picture.
     template <typename Effect, typename... Arguments>
     Result<void> Change(Effect effect, Arguments... arguments);
 
     Surroundings surroundings_;
     Picture picture_;
+    unsigned revision_ = 0;
     int mouseX_ = 0, mouseY_ = 0;
     bool selecting_ = false;
     bool hasSelection_ = false;

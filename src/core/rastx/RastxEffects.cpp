@@ -29,7 +29,7 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
     } else {
         TRY_ASSIGN(picture_, effect(picture_, arguments..., run));
     }
-    Changed();
+    PictureChanged();
     return {};
 }
 
@@ -44,7 +44,7 @@ Result<void> Rastx::Resample(int width, int height, bool fast) {
     TRY_ASSIGN(picture_, tessara::Resample(picture_, width, height,
                                            fast ? ResampleQuality::Fast : ResampleQuality::Best,
                                            surroundings_.threads));
-    Changed();
+    PictureChanged();
     return {};
 }
 

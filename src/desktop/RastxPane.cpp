@@ -1,0 +1,241 @@
+#include "desktop/RastxPane.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QStyle>
+#include <QStyleOptionFocusRect>
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/rastx/effects/Resample.h"
+#include "desktop/PaneDrawing.h"
+#include "desktop/PictureImage.h"
+
+namespace tessara {
+namespace {
+
+/// Of the board behind transparent pictures, at a scale factor of 1.
+constexpr int kBoardCell = 8;
+constexpr int kArrowStep = 48;
+
+/// The position of a scroll bar as the place of the view's middle, and back.
+double MiddleOf(const QScrollBar& bar) {
+    return (bar.value() + 0.5 * bar.pageStep()) / (bar.maximum() + bar.pageStep());
+}
+int ValueFor(double middle, const QScrollBar& bar) {
+    return qRound(middle * (bar.maximum() + bar.pageStep()) - 0.5 * bar.pageStep());
+}
+
+void Place(QScrollBar& bar, int length, int view, double middle) {
+    bar.setPageStep(view);
+    bar.setSingleStep(kArrowStep);
+    bar.setRange(0, std::max(0, length - view));
+    bar.setValue(ValueFor(middle, bar));
+}
+
+}  // namespace
+
+RastxPane::RastxPane(Rastx::Surroundings surroundings, QWidget* parent)
+    : QAbstractScrollArea(parent), rastx_([&] {
+          surroundings.changed = [this] { RastxChanged(); };
+          return Rastx(std::move(surroundings));
+      }()) {
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(tr("Picture"));
+    viewport()->setBackgroundRole(QPalette::Mid);
+    viewport()->setMouseTracking(true);
+    connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &RastxPane::KeepMiddle);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &RastxPane::KeepMiddle);
+}
+
+void RastxPane::SetViewMode(int mode) {
+    ViewMode_ = mode;
+    UpdateScrollBars();
+    viewport()->update();
+}
+
+void RastxPane::RastxChanged() {
+    viewport()->update();
+    if (revision_ == rastx_.Revision()) return;
+    revision_ = rastx_.Revision();
+    if (rastx_.Image().Empty()) middle_ = {0.5, 0.5};
+    UpdateScrollBars();
+    Q_EMIT ImageChanged();
+}
+
+bool RastxPane::event(QEvent* event) {
+    // Another screen may have another scale factor, and then other pixels.
+    if (event->type() == QEvent::ScreenChangeInternal) UpdateScrollBars();
+    return QAbstractScrollArea::event(event);
+}
+
+void RastxPane::resizeEvent(QResizeEvent* event) {
+    QAbstractScrollArea::resizeEvent(event);
+    UpdateScrollBars();
+}
+
+// Showing.
+
+QSize RastxPane::InPixels(const QSize& size) const {
+    return {qRound(size.width() * PixelRatio()), qRound(size.height() * PixelRatio())};
+}
+
+QRect RastxPane::Selection() const {
+    if (!rastx_.HasSelection()) return {};
+    const QRect selection({rastx_.SelLeft(), rastx_.SelTop()}, QPoint(rastx_.SelRight(), rastx_.SelBottom()));
+    // The picture may have changed under it.
+    return selection & QRect(QPoint(), PictureSize());
+}
+
+ViewGeometry RastxPane::Geometry() const {
+    const auto mode = ViewMode_ == 2 ? ViewGeometry::Mode::PixelForPixel : ViewGeometry::Mode::ShrinkToFit;
+    return {PictureSize(), InPixels(viewport()->size()), mode, Scroll()};
+}
+
+void RastxPane::paintEvent(QPaintEvent* event) {
+    QPainter painter(viewport());
+    const double ratio = PixelRatio();
+    const QRectF exposed(QPointF(event->rect().topLeft()) * ratio, QSizeF(event->rect().size()) * ratio);
+    const ViewGeometry geometry = Geometry();
+    painter.scale(1 / ratio, 1 / ratio);
+    DrawPicture(painter, geometry, exposed.toAlignedRect() & geometry.Target());
+    if (const QRect selection = Selection(); !selection.isEmpty())
+        DrawBand(painter, geometry.ViewRectangle(selection), std::max(1, qRound(ratio)));
+    painter.resetTransform();
+    QStyleOptionFocusRect focus;
+    focus.initFrom(this);
+    focus.rect = viewport()->rect();
+    if (hasFocus() && focus.state.testFlag(QStyle::State_KeyboardFocusChange))
+        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+}
+
+void RastxPane::DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed) {
+    if (exposed.isEmpty()) return;
+    const Picture& shown = ShownPicture(geometry);
+    const QImage image = ImageOn(shown);
+    const QRect part = exposed.translated(-geometry.Target().topLeft());
+    if (shown.HasAlpha())
+        painter.drawImage(exposed.topLeft(),
+                          OnBoard(image, part, qRound(kBoardCell * PixelRatio()), palette()));
+    else
+        painter.drawImage(exposed.topLeft(), image, part);
+}
+
+const Picture& RastxPane::ShownPicture(const ViewGeometry& geometry) {
+    if (!geometry.Shrunk()) return rastx_.Image();
+    const QSize size = geometry.Target().size();
+    const bool current = shrunk_.revision == rastx_.Revision() && shrunk_.picture.Width() == size.width() &&
+                         shrunk_.picture.Height() == size.height();
+    if (current) return shrunk_.picture;
+    auto shrunk =
+        Resample(rastx_.Image(), size.width(), size.height(), ResampleQuality::Fast, HardwareThreads());
+    shrunk_ = {shrunk ? std::move(shrunk).Value() : Picture(), rastx_.Revision()};
+    return shrunk_.picture;
+}
+
+// Scrolling.
+
+QPoint RastxPane::Scroll() const {
+    return {horizontalScrollBar()->value(), verticalScrollBar()->value()};
+}
+
+bool RastxPane::CanScroll() const {
+    return horizontalScrollBar()->maximum() > 0 || verticalScrollBar()->maximum() > 0;
+}
+
+void RastxPane::UpdateScrollBars() {
+    const QSize picture = ViewMode_ == 2 ? PictureSize() : QSize();
+    // Without scroll bars there is more room: they are needed only where that does not suffice either.
+    const QSize largest = InPixels(maximumViewportSize());
+    const bool fits = picture.width() <= largest.width() && picture.height() <= largest.height();
+    // Bars that come or go with the next events change the view, which leads here again.
+    const QSize view = fits ? largest : InPixels(viewport()->size());
+    const QScopedValueRollback<bool> placing(placing_, true);
+    Place(*horizontalScrollBar(), picture.width(), view.width(), middle_.x());
+    Place(*verticalScrollBar(), picture.height(), view.height(), middle_.y());
+}
+
+void RastxPane::KeepMiddle() {
+    if (!placing_) middle_ = {MiddleOf(*horizontalScrollBar()), MiddleOf(*verticalScrollBar())};
+}
+
+void RastxPane::ScrollTo(const QPoint& scroll) {
+    horizontalScrollBar()->setValue(scroll.x());
+    verticalScrollBar()->setValue(scroll.y());
+}
+
+// A rubber band may be drawn to what lies beyond the view's edges.
+void RastxPane::ScrollTowards(const QPoint& position) {
+    const QSize view = InPixels(viewport()->size());
+    const auto beyond = [](int at, int length) { return at < 0 ? at : std::max(0, at - length + 1); };
+    ScrollTo(Scroll() + QPoint(beyond(position.x(), view.width()), beyond(position.y(), view.height())));
+}
+
+void RastxPane::keyPressEvent(QKeyEvent* event) {
+    // Keys that do nothing here are for the window.
+    if (CanScroll())
+        QAbstractScrollArea::keyPressEvent(event);
+    else
+        event->ignore();
+}
+
+// The mouse.
+
+void RastxPane::MoveMouse(const QPointF& position) {
+    const QPoint point = Geometry().PicturePoint(ViewPoint(position));
+    rastx_.MoveMouse(point.x(), point.y());
+}
+
+void RastxPane::EndPress() {
+    pressed_ = false;
+    rastx_.EndSelect();
+    Q_EMIT ImageMouseUp();
+}
+
+void RastxPane::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton && CanScroll()) {
+        dragging_ = true;
+        dragStart_ = Scroll() + ViewPoint(event->position());
+        viewport()->setCursor(Qt::ClosedHandCursor);
+    }
+    if (event->button() != Qt::LeftButton || !Geometry().Target().contains(ViewPoint(event->position())))
+        return;
+    MoveMouse(event->position());
+    pressed_ = true;
+    Q_EMIT ImageMouseDown();
+}
+
+void RastxPane::mouseMoveEvent(QMouseEvent* event) {
+    if (dragging_) ScrollTo(dragStart_ - ViewPoint(event->position()));
+    // The button may have come up while a dialog of a handler had the mouse.
+    if (pressed_ && !event->buttons().testFlag(Qt::LeftButton)) EndPress();
+    if (pressed_) ScrollTowards(ViewPoint(event->position()));
+    MoveMouse(event->position());
+    Q_EMIT ImageMouseMove();
+}
+
+void RastxPane::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::MiddleButton && std::exchange(dragging_, false)) viewport()->unsetCursor();
+    if (event->button() != Qt::LeftButton || !pressed_) return;
+    MoveMouse(event->position());
+    EndPress();
+}
+
+void RastxPane::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    MoveMouse(event->position());
+    Q_EMIT ImageDblClick();
+}
+
+void RastxPane::contextMenuEvent(QContextMenuEvent* event) {
+    if (!pressed_) Q_EMIT ImageRightClick();
+    event->accept();
+}
+
+}  // namespace tessara
