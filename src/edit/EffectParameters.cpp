@@ -95,7 +95,7 @@ effects::ArgumentValues ArgumentsOf(const effects::Effect& operation, const int*
                 values[i] = choice.background;
                 break;
             case effects::ArgumentKind::Flag:
-                values[i] = choice.monochromatic;
+                values[i] = choice.Check1;
                 break;
             default:
                 values[i] = *slider++ / divisor;

@@ -63,7 +63,8 @@ std::string_view DragCaption(int code);
 struct EffectChoice {
     std::array<int, 3> sliders{};
     ColorNumber background = RGB(255, 255, 255);  ///< of rotated pictures
-    bool monochromatic = false;                   ///< of noise
+    /// Noise is monochromatic; an own effect leaves the transparent colour alone.
+    bool Check1 = false;
 };
 /// Runs the operations of an effect on the pane, each whether or not the one before succeeded.
 void RunPaneEffect(const EffectParameters& effect, const EffectChoice& choice, Rastx& pane);

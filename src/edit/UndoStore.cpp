@@ -69,6 +69,7 @@ void UndoStore::Load(int number) {
         Picture picture = exportPane_.Image();
         picture.SetMeta(metadata_[number]);
         exportPane_.SetImage(std::move(picture));
+        host_.PutviewExport(1);
     }
     UndoRefresh("");
 }

@@ -9,13 +9,15 @@
 
 namespace tessara {
 
-/// What the history shows of itself.
+/// What the history needs of the window around it.
 class UndoHost {
   public:
     virtual ~UndoHost() = default;
     virtual void BusyCursor(bool on) = 0;
     /// The toolbar's button 8 is Undo, 9 is Redo.
     virtual void SetImageTool(int index, bool enabled) = 0;
+    /// Open viewers take the panes' pictures: 0 import viewer, 1 export viewer, 2 both.
+    virtual void PutviewExport(int which) = 0;
 };
 
 /// The history of the export pane: whole pictures in files 1.bmp, 2.bmp, ... of the folder Undo, with the

@@ -19,6 +19,7 @@ class RecordingHost final : public UndoHost {
 
     void BusyCursor(bool on) override { busy += on ? 1 : -1; }
     void SetImageTool(int index, bool enabled) override { tools[index] = enabled; }
+    void PutviewExport(int) override {}
 };
 
 /// A store in a folder of its own. Pictures are single pixels, named by their sketches.
