@@ -42,8 +42,8 @@ class Prompts {
     virtual void Beep() = 0;
     /// The folder picker; empty where the user cancels.
     virtual std::string PickFolder(const std::string& title) = 0;
-    /// The save dialog; asks by itself before an existing file is chosen. A name that ends in none of the
-    /// patterns' suffixes gets that of the chosen one. Empty where the user cancels.
+    /// The save dialog; asks by itself before an existing file is chosen. A name without an extension gets
+    /// that of the chosen filter. Empty where the user cancels.
     virtual std::string PickSaveFile(const SaveRequest& request) = 0;
     /// The colour dialog; `start` where the user cancels.
     virtual ColorNumber PickColor(const std::string& title, ColorNumber start) = 0;
