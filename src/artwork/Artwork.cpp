@@ -32,7 +32,7 @@ bool IsDark(const QPalette& palette) {
 
 Colors ColorsFor(PictureState state, const QPalette& palette) {
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
-    // Strokes as dark as the text would be heavier than it: they are as wide, and longer.
+    // In the full colour of the text, strokes look heavier than the text does.
     const QColor text = Mixed(palette.color(QPalette::Active, QPalette::WindowText), window, 0.15f);
     const QColor accent = ArtworkAccent(palette);
     switch (state) {

@@ -54,8 +54,7 @@ constexpr InformationText kHome = {
     kHomePage,
 };
 constexpr InformationText kProd = {
-    "DialogProd",     "Other Products",
-    "Other programs", "The products page presents our other programs.",
+    "DialogProd", "Other Products", "Other programs", "The products page presents our other programs.",
     kProducts,
 };
 constexpr InformationText kService = {

@@ -4,7 +4,6 @@
 #include <functional>
 #include <string>
 
-class QGridLayout;
 class QLabel;
 
 namespace tessara {
