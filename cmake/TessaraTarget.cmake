@@ -22,6 +22,11 @@ function(tessara_widget_library target)
     tessara_target(${target})
     set_target_properties(${target} PROPERTIES AUTOMOC ON LINKER_LANGUAGE CXX)
     target_link_libraries(${target} PUBLIC Qt6::Widgets)
+    # CMake 3.25 looks for what moc is to do only when a known header has changed: not when one is new.
+    if(NOT "${sources}" STREQUAL "$CACHE{${target}_SOURCES}")
+        file(REMOVE "${CMAKE_CURRENT_BINARY_DIR}/${target}_autogen/timestamp")
+        set(${target}_SOURCES "${sources}" CACHE INTERNAL "The files that ${target} was last made of")
+    endif()
     target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_KEYWORDS)
 endfunction()
 
