@@ -1,0 +1,256 @@
+#include "edit/dialogs/Dialog2.h"
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include "edit/EffectCatalogue.h"
+#include "tests/edit/RecordingEditHost.h"
+
+namespace tessara {
+namespace {
+
+class Dialog2Test : public testing::Test {
+  protected:
+    const Picture opening_ = test::PhotoLike(20, 14);
+    test::RecordedEditor recorded_{opening_};
+    Session& session_ = recorded_.session;
+    ScriptedPrompts prompts_;
+    std::unique_ptr<Dialog2> dialog_;
+
+    void Open(std::string_view array, int index) {
+        const EffectEntry& entry = *FindEffectEntry(array, index);
+        session_.EffectCaption = EffectCaptionOf(entry.caption);
+        const auto menu = std::ranges::find(EffectMenus(), array, &EffectMenu::array);
+        session_.EffectGroup = menu->group;
+        session_.EffectMenuIndex = index;
+        Open(entry.code);
+    }
+    void Open(int code) {
+        session_.EffectCode = code;
+        dialog_ = std::make_unique<Dialog2>(Dialog2::Surroundings{recorded_.editor, prompts_}, nullptr);
+        dialog_->Shape();
+        dialog_->show();
+    }
+    template <typename Control>
+    Control& Find(const char* name) const {
+        return *dialog_->findChild<Control*>(name);
+    }
+    ValueSlider& Slider(int i) const { return Find<ValueSlider>(qPrintable(QString("HScroll1(%1)").arg(i))); }
+    QLineEdit& Box(int i) const { return Find<QLineEdit>(qPrintable(QString("Text1(%1)").arg(i))); }
+    std::string ValueAbove() const {
+        const QLabel& label = Find<QLabel>("Label1(3)");
+        return label.isVisible() ? label.text().toStdString() : std::string();
+    }
+    void Click(const char* button) { Find<QAbstractButton>(button).click(); }
+    const Picture& Shown() const { return recorded_.exportPane.Image(); }
+    bool ShowsOpening() const { return test::LargestDifference(Shown(), opening_) == 0; }
+};
+
+TEST_F(Dialog2Test, OpensForEveryCodeWithItsSlidersAndItsDefault) {
+    for (const EffectParameters& effect : EffectParametersTable()) {
+        SCOPED_TRACE(effect.code);
+        Open(effect.code);
+        const EffectSlider expected = effect.Slider();
+        int sliders = 0;
+        for (int i = 0; i < 3; ++i) {
+            if (!Slider(i).isVisible()) continue;
+            ++sliders;
+            EXPECT_EQ(Slider(i).minimum(), expected.Min);
+            EXPECT_EQ(Slider(i).maximum(), expected.Max);
+            EXPECT_EQ(Slider(i).value(), expected.Value);
+            EXPECT_EQ(Slider(i).singleStep(), expected.SmallChange);
+            EXPECT_EQ(Slider(i).pageStep(), 50);
+            const std::string shown = Box(i).isVisible() ? Box(i).text().toStdString() : ValueAbove();
+            EXPECT_TRUE(shown.find(std::to_string(expected.Value)) != std::string::npos) << shown;
+        }
+        EXPECT_EQ(sliders, effect.SliderCount());
+        EXPECT_EQ(Find<QCheckBox>("Check1").isVisible(), effect.code == 117);
+        EXPECT_FALSE(Find<QCheckBox>("Check2").isVisible());
+        EXPECT_FALSE(Find<QCheckBox>("CheckDrag").isChecked());
+        EXPECT_FALSE(Find<QPushButton>("OKButton(2)").isEnabled());
+        EXPECT_TRUE(ShowsOpening());
+    }
+}
+
+TEST_F(Dialog2Test, TitleCaptionAndHelpFollowTheEntry) {
+    struct Case {
+        std::string_view array;
+        int index;
+        std::string title, drag, help;
+    };
+    const Case cases[] = {
+        {"mEffects", 7, "Effects - Wave", "Apply when sliders being dragged", "2-1.htm#e3"},
+        {"mStylize", 16, "Filters - Stylize - Aqua ", "Apply when sliders being dragged", "2-1.htm#st3"},
+        {"mDistort", 12, "Filters - Distort - Wave", "Apply when sliders being dragged", "2-1.htm#di2"},
+        {"mOutline", 0, "Filters - Outline - Blur", "Apply when slider being dragged", "2-1.htm#ou1"},
+    };
+    for (const Case& row : cases) {
+        Open(row.array, row.index);
+        EXPECT_EQ(dialog_->windowTitle().toStdString(), row.title);
+        EXPECT_EQ(Find<QCheckBox>("CheckDrag").text().toStdString(), row.drag);
+        QTest::mouseClick(&Find<QToolButton>("ImageHelp"), Qt::LeftButton);
+        EXPECT_EQ(recorded_.host.calls.back(), "RunHtmlHelp " + row.help);
+    }
+}
+
+TEST_F(Dialog2Test, TypedValuesAreCorrectedWithABeepAndRunNothing) {
+    struct Case {
+        int code, box;
+        const char* typed;
+        std::string text;
+        int value, beeps;
+    };
+    const Case cases[] = {{1, 0, "300", "100", 100, 1}, {1, 1, "-300", "-100", -100, 1},
+                          {1, 0, "-50", "-50", -50, 0}, {252, 1, "-5", "2", 2, 1},
+                          {252, 0, "", "2", 2, 1},      {107, 1, "12.5", "12.5", 12, 0},
+                          {107, 1, "x", "x", 0, 0},     {205, 1, "+9", "+9", 9, 0}};
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.typed);
+        Open(row.code);
+        prompts_.beeps = 0;
+        Find<QCheckBox>("CheckDrag").setChecked(true);
+        Box(row.box).setText(row.typed);
+        EXPECT_EQ(Box(row.box).text().toStdString(), row.text);
+        EXPECT_EQ(Slider(row.box).value(), row.value);
+        EXPECT_EQ(prompts_.beeps, row.beeps);
+        EXPECT_TRUE(ShowsOpening());
+    }
+}
+
+TEST_F(Dialog2Test, ABoxTakesWhatIsTyped) {
+    Open(200);
+    Box(2).selectAll();
+    QTest::keyClicks(&Box(2), "-120");
+    EXPECT_EQ(Slider(2).value(), -120);
+    EXPECT_EQ(Box(2).text(), "-120");
+    EXPECT_EQ(prompts_.beeps, 0);
+    QTest::keyClick(&Box(2), Qt::Key_Return);
+    EXPECT_FALSE(ShowsOpening()) << "Return applies";
+}
+
+TEST_F(Dialog2Test, ASliderIsShownAndHandsTheFocusToApply) {
+    struct Case {
+        int code, slider, value;
+        std::string box, above;
+    };
+    const Case cases[] = {{1, 1, -7, "-7", ""}, {200, 0, 7, "+7", ""},   {205, 1, 20, "+20", "20 %"},
+                          {9, 1, 3, "", "3"},   {21, 1, 35, "", "35 %"}, {252, 1, 9, "+9", ""}};
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.code);
+        Open(row.code);
+        Slider(row.slider).setFocus();
+        Slider(row.slider).setValue(row.value);
+        EXPECT_EQ(ValueAbove(), row.above);
+        EXPECT_EQ(Box(row.slider).isVisible() ? Box(row.slider).text().toStdString() : "", row.box);
+        EXPECT_FALSE(Slider(row.slider).hasFocus());
+        EXPECT_TRUE(ShowsOpening()) << "without the live preview nothing runs";
+    }
+}
+
+TEST_F(Dialog2Test, ApplyQuitAndUndo) {
+    Open(204);
+    Slider(0).setValue(100);
+    Click("OKButton(0)");
+    const Picture red = Shown();
+    EXPECT_FALSE(ShowsOpening());
+    EXPECT_TRUE(session_.ExportChanged);
+    ASSERT_TRUE(Find<QPushButton>("OKButton(2)").isEnabled());
+
+    Click("OKButton(2)");
+    EXPECT_TRUE(ShowsOpening());
+    EXPECT_EQ(Slider(0).value(), 0);
+    EXPECT_EQ(Box(0).text(), "0");
+    EXPECT_FALSE(Find<QPushButton>("OKButton(2)").isEnabled());
+
+    Slider(0).setValue(100);
+    Click("OKButton(0)");
+    EXPECT_EQ(test::LargestDifference(Shown(), red), 0);
+    Click("OKButton(1)");
+    EXPECT_FALSE(dialog_->isVisible());
+    EXPECT_EQ(test::LargestDifference(Shown(), red), 0) << "the result stays";
+    EXPECT_EQ(session_.EffectCode, -1);
+}
+
+TEST_F(Dialog2Test, UndoPutsSomeSlidersBack) {
+    struct Case {
+        int code, slider, value, after, beeps;
+        std::string above;
+    };
+    const Case cases[] = {
+        {107, 1, 90, 0, 0, ""}, {205, 1, 20, 1, 1, "1 %"}, {9, 1, 4, 4, 0, "4"}, {252, 1, 9, 9, 0, ""}};
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.code);
+        Open(row.code);
+        Slider(row.slider).setValue(row.value);
+        Click("OKButton(0)");
+        prompts_.beeps = 0;
+        Click("OKButton(2)");
+        EXPECT_EQ(Slider(row.slider).value(), row.after);
+        EXPECT_EQ(ValueAbove(), row.above);
+        EXPECT_EQ(prompts_.beeps, row.beeps);
+    }
+}
+
+TEST_F(Dialog2Test, LivePreviewRunsWhileDraggedAndTakesOneSnapshot) {
+    Open(24);
+    Click("CheckDrag");
+    EXPECT_EQ(session_.UndoTop, 1) << "the box takes the first snapshot";
+    ValueSlider& slider = Slider(1);
+    slider.setSliderDown(true);
+    slider.setSliderPosition(30);
+    const Picture first = Shown();
+    EXPECT_FALSE(ShowsOpening());
+    slider.setSliderPosition(60);
+    EXPECT_GT(test::LargestDifference(Shown(), first), 0);
+    EXPECT_EQ(ValueAbove(), "60 %");
+    slider.setSliderDown(false);
+    EXPECT_EQ(session_.UndoTop, 1);
+    Click("OKButton(2)");
+    EXPECT_TRUE(ShowsOpening());
+}
+
+TEST_F(Dialog2Test, NoiseIsMonochromaticWhereTheBoxSaysSo) {
+    recorded_.exportPane.SetImage(test::Draw("555555 555555"));
+    Open(117);
+    Click("Check1");
+    Click("OKButton(0)");
+    for (const Pixel pixel : Shown().Pixels()) EXPECT_TRUE(pixel.r == pixel.g && pixel.g == pixel.b);
+    EXPECT_EQ(session_.TransparentColor, RGB(255, 255, 255)) << "here the box has nothing to do with it";
+}
+
+TEST_F(Dialog2Test, RotationFillsWithTheTransparentColourOrWhite) {
+    for (const auto& [color, corner] :
+         {std::pair{RGB(0, 0, 255), 'B'}, {RGB(0, 0, 0), 'K'}, {ColorNumber{-1}, 'W'}}) {
+        session_.TransparentColor = color;
+        Open(107);
+        Slider(1).setValue(45);
+        Click("OKButton(0)");
+        EXPECT_EQ(test::Sketch(Shown()).front(), corner);
+    }
+}
+
+TEST(ValueSlider, TellsADragFromOtherChanges) {
+    ValueSlider slider(nullptr);
+    slider.SetRange(0, 10, 1, 5);
+    std::string events;
+    QObject::connect(&slider, &ValueSlider::Change, [&] { events += 'C'; });
+    QObject::connect(&slider, &ValueSlider::Scroll, [&] { events += 'S'; });
+    slider.setValue(3);
+    slider.setValue(3);
+    QTest::keyClick(&slider, Qt::Key_Right);
+    EXPECT_EQ(events, "CC");
+    slider.setSliderDown(true);
+    slider.setSliderPosition(6);
+    slider.setSliderPosition(7);
+    slider.setSliderDown(false);
+    EXPECT_EQ(events, "CCSSC");
+    slider.setSliderDown(true);
+    slider.setSliderPosition(8);
+    slider.setSliderPosition(7);
+    slider.setSliderDown(false);
+    EXPECT_EQ(events, "CCSSCSS") << "back where it was: nothing has changed";
+}
+
+}  // namespace
+}  // namespace tessara
