@@ -36,7 +36,7 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
 Result<void> Rastx::Run(const effects::Effect& effect, const effects::ArgumentValues& arguments) {
     if (picture_.Empty()) return BadArgument("there is no picture");
     TRY_ASSIGN(picture_, effect.apply(picture_, arguments, StartRun()));
-    Changed();
+    PictureChanged();
     return {};
 }
 
