@@ -32,6 +32,12 @@ struct SlideOptions {
     std::uint8_t SlideOrder = 0;     ///< 0 forward, 1 reverse, 2 random
 
     bool operator==(const SlideOptions&) const = default;
+
+    /// Slides that come by themselves need time: a delay of 0 becomes the usual one.
+    void RepairDelay() {
+        constexpr std::int32_t kUsualDelay = 2000;
+        if (SlideAuto == 1 && SlideDelay == 0) SlideDelay = kUsualDelay;
+    }
 };
 
 /// A folder with its terminator, as the folder fields hold it.

@@ -40,7 +40,8 @@ struct Session {
     std::string ImagePath;       ///< full path of the file shown; empty after a paste
     bool ImageValid = false;     ///< the panes hold a picture
     bool ExportChanged = false;  ///< the export picture has changes that were not saved
-    bool SelectionActive = false;
+    bool SelectionActive = false;      ///< a rubber band stands on the import pane
+    bool SelectionViewActive = false;  ///< a rubber band stands in the image viewer
     bool ViewImportOpen = false;
     bool ViewExportOpen = false;
 

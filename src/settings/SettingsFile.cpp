@@ -165,8 +165,7 @@ Result<void> SettingsFile::Write(const ConvertOptions& options) const {
 
 Result<void> SettingsFile::Read(SlideOptions& options) const {
     TRY(ReadRecord(path_, kSlideStart, kSlideEnd, kSlideFields, options));
-    constexpr std::int32_t kUsualDelay = 2000;
-    if (options.SlideAuto == 1 && options.SlideDelay == 0) options.SlideDelay = kUsualDelay;
+    options.RepairDelay();
     return {};
 }
 

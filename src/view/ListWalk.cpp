@@ -1,0 +1,24 @@
+#include "view/ListWalk.h"
+
+namespace tessara {
+
+void ListWalk::Start(int selected) {
+    ListIndex = selected;
+    if (ListIndex == 1) stage_.SetImageTool(kPrevious, false);
+    if (ListIndex == stage_.ItemCount()) stage_.SetImageTool(kNext, false);
+}
+
+void ListWalk::LastNext(int which) {
+    const int count = stage_.ItemCount();
+    stage_.SetImageTool(kPrevious, true);
+    stage_.SetImageTool(kNext, true);
+    if (which == 1) {
+        if (ListIndex < count) ++ListIndex;
+        if (ListIndex == count) stage_.SetImageTool(kNext, false);
+    } else {
+        if (ListIndex > 1) --ListIndex;
+        if (ListIndex == 1) stage_.SetImageTool(kPrevious, false);
+    }
+}
+
+}  // namespace tessara
