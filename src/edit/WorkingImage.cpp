@@ -1,23 +1,10 @@
 #include "edit/WorkingImage.h"
 
-#include <filesystem>
+#include <array>
 
-#include "core/Text.h"
-#include "edit/IconBitmap.h"
+#include "edit/LoadRoute.h"
 
 namespace tessara {
-namespace {
-
-bool IsIcon(const std::string& path) {
-    return path.size() >= 4 && EqualIgnoringCase(std::string_view(path).substr(path.size() - 4), ".ico");
-}
-
-void Remove(const std::string& path) {
-    std::error_code ignored;
-    std::filesystem::remove(path, ignored);
-}
-
-}  // namespace
 
 WorkingImage::WorkingImage(Session& session, Rastx& importPane, Rastx& exportPane, PictureCarrier& clipboard,
                            WorkingImageHost& host)
@@ -32,7 +19,7 @@ void WorkingImage::LoadPict(std::string& path) {
     host_.SetImportToolTip("Drag out a rectangle to select");
     importPane_.ClearImage();
     exportPane_.ClearImage();
-    if (!IsIcon(path) || !LoadIconByBitmap(path)) LoadBoth(path);
+    LoadIntoPanes(path, std::array{&importPane_, &exportPane_}, {session_, clipboard_, host_.BackColor()});
     host_.SetLabelPict("Size : " + std::to_string(importPane_.ImageWidth()) + " x " +
                        std::to_string(importPane_.ImageHeight()));
     host_.ClearPositionLabels();
@@ -41,31 +28,6 @@ void WorkingImage::LoadPict(std::string& path) {
     session_.ImageValid = true;
     host_.UndoRefresh("KILL");
     session_.UndoPending = true;
-}
-
-void WorkingImage::LoadBoth(const std::string& path) {
-    // One decode serves both panes: they share the pixels until one of them is changed.
-    if (importPane_.LoadImage(path)) exportPane_.SetImage(importPane_.Image());
-}
-
-/// True where the icon went by way of a bitmap: over the clipboard, whose earlier content is lost.
-bool WorkingImage::LoadIconByBitmap(std::string& path) {
-    const std::string bitmap = session_.PrivateFile("Bmptemptemp.bmp");
-    Remove(bitmap);
-    bool converted = false;
-    std::string source = path;
-    const Result<void> prepared =
-        PrepareIconBitmap(source, bitmap, converted, {session_.PrivateFile("Xptemp.ico"), host_.BackColor()});
-    if (!converted) return false;
-    // What the fixed layout cannot take, such as a picture of 256 pixels, is shown as any other file.
-    Rastx Pic_Image;
-    if (!prepared || !Pic_Image.LoadImage(bitmap)) return false;
-    path = bitmap;
-    clipboard_.Put(Pic_Image.Image());
-    Ignore(importPane_.PasteClip());
-    Ignore(exportPane_.PasteClip());
-    Remove(bitmap);
-    return true;
 }
 
 void WorkingImage::Setvalid(bool flag) {

@@ -39,9 +39,6 @@ class WorkingImage {
     void Reload();
 
   private:
-    void LoadBoth(const std::string& path);
-    bool LoadIconByBitmap(std::string& path);
-
     Session& session_;
     Rastx& importPane_;
     Rastx& exportPane_;

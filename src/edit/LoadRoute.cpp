@@ -1,0 +1,47 @@
+#include "edit/LoadRoute.h"
+
+#include <filesystem>
+
+#include "core/Text.h"
+#include "edit/IconBitmap.h"
+
+namespace tessara {
+namespace {
+
+bool IsIcon(const std::string& path) {
+    return path.size() >= 4 && EqualIgnoringCase(std::string_view(path).substr(path.size() - 4), ".ico");
+}
+
+void Remove(const std::string& path) {
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+}
+
+/// True where the icon went by way of a bitmap.
+bool LoadIconByBitmap(std::string& path, std::span<Rastx* const> panes, const LoadRoute& route) {
+    const std::string bitmap = route.session.PrivateFile("Bmptemptemp.bmp");
+    Remove(bitmap);
+    bool converted = false;
+    std::string source = path;
+    const Result<void> prepared = PrepareIconBitmap(
+        source, bitmap, converted, {route.session.PrivateFile("Xptemp.ico"), route.backColor});
+    if (!converted) return false;
+    // What the fixed layout cannot take, such as a picture of 256 pixels, is shown as any other file.
+    Rastx Pic_Image;
+    if (!prepared || !Pic_Image.LoadImage(bitmap)) return false;
+    path = bitmap;
+    route.clipboard.Put(Pic_Image.Image());
+    for (Rastx* pane : panes) Ignore(pane->PasteClip());
+    Remove(bitmap);
+    return true;
+}
+
+}  // namespace
+
+void LoadIntoPanes(std::string& path, std::span<Rastx* const> panes, const LoadRoute& route) {
+    if (IsIcon(path) && LoadIconByBitmap(path, panes, route)) return;
+    if (!panes.front()->LoadImage(path)) return;
+    for (Rastx* pane : panes.subspan(1)) pane->SetImage(panes.front()->Image());
+}
+
+}  // namespace tessara
