@@ -185,6 +185,7 @@ def main():
     parser.add_argument("--runs", type=int, default=3)
     parser.add_argument("parts", nargs="*", default=["jobs", "start", "many", "memory"])
     arguments = parser.parse_args()
+    arguments.tessara = os.path.abspath(arguments.tessara)
     install_peers()
     os.makedirs(arguments.folder, exist_ok=True)
     # In a process of its own: what a program takes at most would otherwise begin with what this one took.
