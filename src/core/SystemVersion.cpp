@@ -13,4 +13,10 @@ void FindXP(int majorVersion, int minorVersion, std::string_view desktopPath, bo
            std::strtod(version.c_str(), nullptr) >= kFirstVersion;
 }
 
+bool IsXP(std::string_view desktopPath) {
+    bool isXP = false;
+    FindXP(0, 0, desktopPath, isXP);
+    return isXP;
+}
+
 }  // namespace tessara
