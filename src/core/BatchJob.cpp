@@ -14,6 +14,7 @@ enum Overwrite { kAsk, kReplace, kSkip };
 enum Counter { kSources, kFiles };
 
 constexpr int kIconSide = 32;
+constexpr std::size_t kGif = 1;
 
 std::string Counted(int count, const std::string& what) {
     return std::to_string(count) + (count == 1 ? " file " : " files ") + what + "!";
@@ -24,9 +25,8 @@ std::string WithSeparator(std::string folder) {
     return folder;
 }
 
-const ExportFormat& Gif() {
-    const auto table = ExportFormatTable();
-    return *std::ranges::find(table, ".gif", &ExportFormat::suffix);
+bool IsIcon(const ExportFormat& format) {
+    return format.suffix == ".ico";
 }
 
 }  // namespace
@@ -57,22 +57,32 @@ void BatchJob::LoadDialogprogress() {
     view_.BusyCursor(false);
 }
 
+bool BatchJob::IsChosen(int row) const {
+    return options_.ConvertScope == kAllGraphics || list_.IsChecked(row);
+}
+
 void BatchJob::ConvertRows(const std::string& targetFolder) {
     options_.TargetName.clear();
+    const auto next = [&, row = 0]() mutable -> std::optional<BatchAhead::Source> {
+        while (row < list_.RowCount() && !IsChosen(row)) ++row;
+        if (row == list_.RowCount()) return std::nullopt;
+        return SourceAhead(targetFolder, list_.KeyOf(row++));
+    };
+    ahead_.emplace(next, options_.threads);
     for (int row = 0; row < list_.RowCount(); ++row) {
-        const bool all = options_.ConvertScope == kAllGraphics;
-        if (!all && !list_.IsChecked(row)) continue;
+        if (!IsChosen(row)) continue;
         const std::string key = list_.KeyOf(row);
         list_.EnsureVisible(row);
-        Ignore(exportPane_.LoadImage(key));
+        Ignore(ahead_->LoadImage(exportPane_, key));
         bool done = false;
         RstSave(targetFolder, LowerCaseText(key), done, false, ConvertedCount_);
         if (done) {
-            if (all) list_.SetChecked(row, true);
+            if (options_.ConvertScope == kAllGraphics) list_.SetChecked(row, true);
             ++ConvertedCount_;
         }
-        if (Cancelled_) return;
+        if (Cancelled_) break;
     }
+    ahead_.reset();
 }
 
 /// The export pane is saved as it stands, with all that was done to it.
@@ -85,25 +95,44 @@ void BatchJob::ConvertCurrent(const std::string& targetFolder) {
     if (row >= 0) list_.EnsureVisible(row);
 }
 
-void BatchJob::RstSave(const std::string& targetFolder, const std::string& sourcePath, bool& done, bool force,
-                       int converted) {
-    done = false;
+std::string BatchJob::TargetOf(const std::string& targetFolder, const std::string& sourcePath,
+                               bool& enabled) const {
     std::string folder;
     std::string baseName;
     std::string extension;
     GetFileWeb(sourcePath, folder, baseName, extension);
-    bool enabled = false;
     options_.formats.FindImpValid(extension, enabled);
+    return targetFolder + (options_.TargetName.empty() ? baseName : options_.TargetName);
+}
+
+BatchAhead::Source BatchJob::SourceAhead(const std::string& targetFolder, const std::string& key) const {
+    BatchAhead::Source source{key, {}};
+    bool enabled = false;
+    const std::string target = TargetOf(targetFolder, LowerCaseText(key), enabled);
+    for (std::size_t i = 0; enabled && i < options_.ExportOn.size(); ++i) {
+        const ExportFormat& format = ExportFormatTable()[i];
+        // An icon is made of a picture that there is only then.
+        if (!options_.ExportOn[i] || IsIcon(format)) continue;
+        const bool skipped = options_.OverwriteMode == kSkip && IsFile(target + std::string(format.suffix));
+        if (!skipped) source.encodings.push_back(EncodingOf(format));
+    }
+    return source;
+}
+
+void BatchJob::RstSave(const std::string& targetFolder, const std::string& sourcePath, bool& done, bool force,
+                       int converted) {
+    done = false;
+    bool enabled = false;
+    const std::string name = TargetOf(targetFolder, sourcePath, enabled);
     if (!force && !enabled) return;
     if (Cancelled_) return;
 
-    const std::string name = options_.TargetName.empty() ? baseName : options_.TargetName;
     for (std::size_t i = 0; i < options_.ExportOn.size(); ++i) {
         if (!options_.ExportOn[i]) continue;
         const ExportFormat& format = ExportFormatTable()[i];
         // A PNG follows the JPG before it also when the user wants no more.
         if (Cancelled_ && format.suffix != ".png") return;
-        std::string target = targetFolder + name + std::string(format.suffix);
+        std::string target = name + std::string(format.suffix);
         bool allowed = false;
         OverWr(target, allowed);
         if (!allowed) continue;
@@ -113,21 +142,25 @@ void BatchJob::RstSave(const std::string& targetFolder, const std::string& sourc
     }
 }
 
+/// Without a transparent colour even an icon is written as a GIF, under its own name.
+BatchAhead::Encoding BatchJob::EncodingOf(const ExportFormat& format) const {
+    const ExportFormat& gif = ExportFormatTable()[kGif];
+    const ColorNumber color = options_.TransparentColor;
+    const bool transparent = (IsIcon(format) || &format == &gif) && color >= 0;
+    return {IsIcon(format) && !transparent ? &gif : &format,
+            {.transparent = transparent,
+             .color = transparent ? (color == 0 ? RGB(255, 255, 255) : color) : 0,
+             .quality = options_.JpgQuality,
+             .grey = options_.JpgGrayScale,
+             .progressive = options_.JpgProgressive}};
+}
+
 void BatchJob::Save(const ExportFormat& format, const std::string& target) {
-    const bool icon = format.suffix == ".ico";
-    const bool canBeTransparent = icon || format.suffix == ".gif";
-    ColorNumber& color = options_.TransparentColor;
-    const bool transparent = canBeTransparent && color >= 0;
-    if (transparent && color == 0) color = RGB(255, 255, 255);
-    if (icon) Ignore(exportPane_.Resample(kIconSide, kIconSide, false));
-    // Without a transparent colour even an icon is written as a GIF, under its own name.
-    const ExportFormat& written = icon && !transparent ? Gif() : format;
-    Ignore(exportPane_.SaveAs(written, target,
-                              {.transparent = transparent,
-                               .color = transparent ? color : 0,
-                               .quality = options_.JpgQuality,
-                               .grey = options_.JpgGrayScale,
-                               .progressive = options_.JpgProgressive}));
+    const BatchAhead::Encoding encoding = EncodingOf(format);
+    if (encoding.options.transparent) options_.TransparentColor = encoding.options.color;
+    if (IsIcon(format)) Ignore(exportPane_.Resample(kIconSide, kIconSide, false));
+    Ignore(ahead_ ? ahead_->SaveAs(exportPane_, encoding, target)
+                  : exportPane_.SaveAs(*encoding.format, target, encoding.options));
 }
 
 void BatchJob::OverWr(std::string& target, bool& allowed) {

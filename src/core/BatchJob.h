@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 
+#include "core/BatchAhead.h"
 #include "core/FormatTables.h"
 #include "core/rastx/Rastx.h"
 
@@ -23,6 +25,7 @@ struct BatchOptions {
     std::string& TargetName;
     /// Negative for none. The first use turns 0 into white for good.
     ColorNumber& TransparentColor;
+    int threads = HardwareThreads();
 };
 
 /// The file list as a job walks it. Rows count from 0; a key is a file's full path.
@@ -77,10 +80,16 @@ class BatchJob {
   private:
     void ConvertRows(const std::string& targetFolder);
     void ConvertCurrent(const std::string& targetFolder);
+    bool IsChosen(int row) const;
+    /// What is to be done ahead of a row's turn, as far as it can be foreseen.
+    BatchAhead::Source SourceAhead(const std::string& targetFolder, const std::string& key) const;
 
     /// Writes what the pane holds under the name of a source; `done` tells whether anything was written.
     void RstSave(const std::string& targetFolder, const std::string& sourcePath, bool& done, bool force,
                  int converted);
+    /// Where a source goes, up to the suffix; `enabled` tells whether its format is switched on.
+    std::string TargetOf(const std::string& targetFolder, const std::string& sourcePath, bool& enabled) const;
+    BatchAhead::Encoding EncodingOf(const ExportFormat& format) const;
     void Save(const ExportFormat& format, const std::string& target);
     /// Whether a target may be written; the user may change it.
     void OverWr(std::string& target, bool& allowed);
@@ -91,6 +100,7 @@ class BatchJob {
     BatchList& list_;
     BatchView& view_;
     BatchQuestions& questions_;
+    std::optional<BatchAhead> ahead_;  ///< while rows are converted
     bool Cancelled_ = false;
     int CreatedCount_ = 0;
     int ConvertedCount_ = 0;

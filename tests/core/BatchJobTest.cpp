@@ -81,7 +81,7 @@ class ScriptedQuestions final : public BatchQuestions {
 };
 
 /// A folder of small sources, an empty one of targets, and a job between them.
-class BatchJobTest : public testing::Test {
+class BatchJobTest : public testing::TestWithParam<int> {
   protected:
     BatchJobTest() {
         fs::create_directory(folder_.File("out"));
@@ -131,8 +131,10 @@ class BatchJobTest : public testing::Test {
     FormatTables formats_;
     std::string targetName_;
     ColorNumber transparentColor_ = RGB(255, 255, 255);
-    BatchOptions options_{
-        .formats = formats_, .TargetName = targetName_, .TransparentColor = transparentColor_};
+    BatchOptions options_{.formats = formats_,
+                          .TargetName = targetName_,
+                          .TransparentColor = transparentColor_,
+                          .threads = GetParam()};
     int cancelAfter_ = 1000;
     Rastx pane_;
     ScriptedList list_;
@@ -142,7 +144,7 @@ class BatchJobTest : public testing::Test {
 
 using Set = std::set<std::string>;
 
-TEST_F(BatchJobTest, AllGraphicsAreWrittenInOrderAndMarked) {
+TEST_P(BatchJobTest, AllGraphicsAreWrittenInOrderAndMarked) {
     Source("One.BMP", "RG");
     Source("two.gif", "GB");
     Source("three.bmp", "BR", true);
@@ -170,7 +172,7 @@ TEST_F(BatchJobTest, AllGraphicsAreWrittenInOrderAndMarked) {
     EXPECT_EQ(targetName_, "");
 }
 
-TEST_F(BatchJobTest, OnlyMarkedFilesOfAListAndTheirMarksStay) {
+TEST_P(BatchJobTest, OnlyMarkedFilesOfAListAndTheirMarksStay) {
     Source("a.bmp", "R", true);
     Source("b.bmp", "G");
     Source("c.bmp", "B", true);
@@ -186,7 +188,7 @@ TEST_F(BatchJobTest, OnlyMarkedFilesOfAListAndTheirMarksStay) {
     EXPECT_EQ(view_.seen.back(), "2 files converted! 6 files created!");
 }
 
-TEST_F(BatchJobTest, TheCurrentFileIsThePaneAsItStands) {
+TEST_P(BatchJobTest, TheCurrentFileIsThePaneAsItStands) {
     Source("a.bmp", "R");
     Source("Photo.BMP", "R");
     list_.selected = 1;
@@ -205,7 +207,7 @@ TEST_F(BatchJobTest, TheCurrentFileIsThePaneAsItStands) {
     }
 }
 
-TEST_F(BatchJobTest, TargetsAreNamedByTheSourceInLowerCaseOrByTheUser) {
+TEST_P(BatchJobTest, TargetsAreNamedByTheSourceInLowerCaseOrByTheUser) {
     struct Case {
         const char* key;
         const char* typed;
@@ -230,7 +232,7 @@ TEST_F(BatchJobTest, TargetsAreNamedByTheSourceInLowerCaseOrByTheUser) {
     }
 }
 
-TEST_F(BatchJobTest, AnExistingTargetIsReplacedSkippedOrAskedFor) {
+TEST_P(BatchJobTest, AnExistingTargetIsReplacedSkippedOrAskedFor) {
     struct Case {
         const char* name;
         int mode;
@@ -275,7 +277,7 @@ TEST_F(BatchJobTest, AnExistingTargetIsReplacedSkippedOrAskedFor) {
     EXPECT_EQ(CodecOf("a.png"), "PNG");
 }
 
-TEST_F(BatchJobTest, TheStepDecidesOnTheFormatWhateverNameIsGiven) {
+TEST_P(BatchJobTest, TheStepDecidesOnTheFormatWhateverNameIsGiven) {
     list_.rows = {{"/in/a.bmp"}};
     list_.selected = 0;
     test::WriteWhole(Target("a.gif"), AsBytes("old"));
@@ -287,7 +289,7 @@ TEST_F(BatchJobTest, TheStepDecidesOnTheFormatWhateverNameIsGiven) {
     EXPECT_EQ(CodecOf("chosen.jpg"), "GIF");
 }
 
-TEST_F(BatchJobTest, SkippingEverythingMarksAndCountsNothing) {
+TEST_P(BatchJobTest, SkippingEverythingMarksAndCountsNothing) {
     Source("a.bmp", "R");
     Source("b.bmp", "G");
     for (const char* name : {"a.gif", "b.gif"}) test::WriteWhole(Target(name), AsBytes("old"));
@@ -300,7 +302,7 @@ TEST_F(BatchJobTest, SkippingEverythingMarksAndCountsNothing) {
     EXPECT_EQ(test::Sketch(pane_.Image()), "G") << "every source was loaded";
 }
 
-TEST_F(BatchJobTest, CancelIsSeenBetweenFormatsButNotBeforeAPng) {
+TEST_P(BatchJobTest, CancelIsSeenBetweenFormatsButNotBeforeAPng) {
     struct Case {
         const char* name;
         int cancelAfter;
@@ -334,7 +336,7 @@ TEST_F(BatchJobTest, CancelIsSeenBetweenFormatsButNotBeforeAPng) {
     }
 }
 
-TEST_F(BatchJobTest, TheTransparentColourDecidesOnGifAndIcon) {
+TEST_P(BatchJobTest, TheTransparentColourDecidesOnGifAndIcon) {
     struct Case {
         ColorNumber color;
         ColorNumber after;
@@ -370,7 +372,7 @@ TEST_F(BatchJobTest, TheTransparentColourDecidesOnGifAndIcon) {
     EXPECT_EQ(Load("a.gif").Width(), 2);
 }
 
-TEST_F(BatchJobTest, TheIconIsMadeLastSoThatNoOtherFormatIsSmall) {
+TEST_P(BatchJobTest, TheIconIsMadeLastSoThatNoOtherFormatIsSmall) {
     Source("a.bmp", "RGB BGR RRR");
     options_.ConvertScope = 2;
     options_.ExportOn.fill(true);
@@ -379,7 +381,7 @@ TEST_F(BatchJobTest, TheIconIsMadeLastSoThatNoOtherFormatIsSmall) {
     for (const std::string& target : Targets()) EXPECT_EQ(Load(target).Width(), target == "a.ico" ? 32 : 3);
 }
 
-TEST_F(BatchJobTest, JpegTakesItsSettings) {
+TEST_P(BatchJobTest, JpegTakesItsSettings) {
     pane_.SetImage(test::PhotoLike(64, 64));
     list_.rows = {{"/in/a.bmp"}};
     list_.selected = 0;
@@ -402,7 +404,7 @@ TEST_F(BatchJobTest, JpegTakesItsSettings) {
     EXPECT_TRUE(pixel.r == pixel.g && pixel.g == pixel.b);
 }
 
-TEST_F(BatchJobTest, AFailureNeitherStopsTheJobNorHarmsAFile) {
+TEST_P(BatchJobTest, AFailureNeitherStopsTheJobNorHarmsAFile) {
     Source("a.bmp", "RG");
     test::WriteWhole(folder_.File("broken.bmp"), AsBytes("BM, and then nothing of use"));
     list_.rows.push_back({folder_.File("broken.bmp")});
@@ -425,7 +427,21 @@ TEST_F(BatchJobTest, AFailureNeitherStopsTheJobNorHarmsAFile) {
     EXPECT_EQ(view_.seen.back(), "2 files converted! 2 files created!");
 }
 
-TEST_F(BatchJobTest, WithoutAFormatThereIsNothingToMake) {
+TEST_P(BatchJobTest, ASourceThatTheJobItselfWritesIsReadAfterwards) {
+    Source("out/A.BMP", "R");
+    Source("out/a.bmp", "G");
+    Source("out/b.png", "B");
+    list_.rows.push_back({folder_.File("out/a.png")});
+    options_.ConvertScope = 2;
+    options_.OverwriteMode = 1;
+    Export({".bmp", ".png"});
+    Run();
+    EXPECT_EQ(test::Sketch(Load("a.bmp")), "R");
+    EXPECT_EQ(test::Sketch(Load("b.bmp")), "B");
+    EXPECT_EQ(view_.seen.back(), "4 files converted! 8 files created!");
+}
+
+TEST_P(BatchJobTest, WithoutAFormatThereIsNothingToMake) {
     Source("a.bmp", "RG", true);
     options_.ConvertScope = 1;
     Export({});
@@ -434,6 +450,8 @@ TEST_F(BatchJobTest, WithoutAFormatThereIsNothingToMake) {
     EXPECT_EQ(view_.max[1], 0);
     EXPECT_EQ(view_.seen.back(), "0 files converted! 0 files created!");
 }
+
+INSTANTIATE_TEST_SUITE_P(Threads, BatchJobTest, testing::Values(1, 4));
 
 }  // namespace
 }  // namespace tessara

@@ -28,6 +28,8 @@ struct EncodeOptions {
     int quality = 80;          ///< JPG: 1 to 100
     bool grey = false;         ///< JPG
     bool progressive = false;  ///< JPG
+
+    bool operator==(const EncodeOptions&) const = default;
 };
 
 /// How far the first bytes of a file tell its format.
