@@ -85,25 +85,6 @@ const effects::Effect& Operation(std::string_view name) {
     return *effect;
 }
 
-/// The arguments of an operation: numbers from the sliders, in order, and what else it asks for.
-effects::ArgumentValues ArgumentsOf(const effects::Effect& operation, const int* slider, double divisor,
-                                    const EffectChoice& choice) {
-    effects::ArgumentValues values{};
-    for (std::size_t i = 0; i < operation.arguments.size(); ++i) {
-        switch (operation.arguments[i].kind) {
-            case effects::ArgumentKind::Color:
-                values[i] = choice.background;
-                break;
-            case effects::ArgumentKind::Flag:
-                values[i] = choice.Check1;
-                break;
-            default:
-                values[i] = *slider++ / divisor;
-        }
-    }
-    return values;
-}
-
 }  // namespace
 
 int EffectParameters::SliderCount() const {
@@ -154,17 +135,42 @@ std::string_view DragCaption(int code) {
     return plural ? "Apply when sliders being dragged" : "Apply when slider being dragged";
 }
 
+Result<void> RunOperation(Rastx& pane, std::string_view name, std::span<const double> numbers,
+                          ColorNumber color, bool flag) {
+    const effects::Effect& operation = Operation(name);
+    effects::ArgumentValues values{};
+    auto number = numbers.begin();
+    for (std::size_t i = 0; i < operation.arguments.size(); ++i) {
+        switch (operation.arguments[i].kind) {
+            case effects::ArgumentKind::Color:
+                values[i] = color;
+                break;
+            case effects::ArgumentKind::Flag:
+                values[i] = flag;
+                break;
+            default:
+                values[i] = *number++;
+        }
+    }
+    return pane.Run(operation, values);
+}
+
 void RunPaneEffect(const EffectParameters& effect, const EffectChoice& choice, Rastx& pane) {
-    const int* slider = &choice.sliders[static_cast<std::size_t>(effect.FirstSlider())];
+    std::array<double, 3> numbers;
+    std::ranges::transform(choice.sliders, numbers.begin(),
+                           [&](int value) { return value / effect.divisor; });
+    auto values = std::span<const double>(numbers).subspan(static_cast<std::size_t>(effect.FirstSlider()));
+    const auto run = [&](std::string_view name) {
+        Ignore(RunOperation(pane, name, values, choice.background, choice.Check1));
+    };
     if (effect.repeated) {
-        for (int i = 0; i < *slider; ++i) Ignore(pane.Run(Operation(effect.operations[0]), {}));
+        for (int i = 0; i < choice.sliders[1]; ++i) run(effect.operations[0]);
         return;
     }
     for (const std::string_view name : effect.operations) {
         if (name.empty()) break;
-        const effects::Effect& operation = Operation(name);
-        Ignore(pane.Run(operation, ArgumentsOf(operation, slider, effect.divisor, choice)));
-        ++slider;  // a second operation has the second slider
+        run(name);
+        values = values.subspan(1);  // a second operation has the second slider
     }
 }
 

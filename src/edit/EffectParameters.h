@@ -66,6 +66,10 @@ struct EffectChoice {
     /// Noise is monochromatic; an own effect leaves the transparent colour alone.
     bool Check1 = false;
 };
+/// Runs an operation of the pane by its name. The numbers go to its numeric arguments, in order, and the
+/// others to the arguments of their kind, where it has any.
+Result<void> RunOperation(Rastx& pane, std::string_view name, std::span<const double> numbers,
+                          ColorNumber color, bool flag);
 /// Runs the operations of an effect on the pane, each whether or not the one before succeeded.
 void RunPaneEffect(const EffectParameters& effect, const EffectChoice& choice, Rastx& pane);
 

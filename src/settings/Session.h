@@ -56,6 +56,8 @@ struct Session {
     int EffectMenuIndex = 0;
     std::string EffectCaption;
     std::string EffectGroup;
+    /// Starts the random effects; new with every entry chosen, so that applying again gives the same picture.
+    std::uint32_t EffectSeed = 0;
 
     bool CaptureMode = false;   ///< a screen capture runs
     bool SlideRunning = false;  ///< a slide show runs

@@ -15,17 +15,13 @@ namespace tessara::test {
 class RecordingEditHost final : public EditHost {
   public:
     std::vector<std::string> calls;
-    int busy = 0;
-    int hourglasses = 0;  ///< how often the pointer became one
+    bool busy = false;
     std::map<int, bool> imageTools;
     std::map<std::pair<std::string, int>, bool> menus;
     int progressMax = 0;  ///< 0 while the bar is hidden
     std::vector<int> progress;
 
-    void BusyCursor(bool on) override {
-        busy = on;
-        hourglasses += on;
-    }
+    void BusyCursor(bool on) override { busy = on; }
     void SetImageTool(int index, bool enabled) override { imageTools[index] = enabled; }
     void PutviewExport(int which) override { calls.push_back("PutviewExport " + std::to_string(which)); }
     void ShowProgress(int Max, bool On) override { progressMax = On ? Max : 0; }
