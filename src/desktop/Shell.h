@@ -24,7 +24,7 @@ enum class IconSize { Small = 16, Large = 32 };
 class Shell {
   public:
     virtual ~Shell() = default;
-    /// "PNG image"; empty where nothing is registered for the file.
+    /// "Image (PNG)"; empty where nothing is registered for the file. Never begins with the extension.
     virtual std::string FileTypeName(const std::string& path) = 0;
     /// At the screen's scale; empty for a missing file.
     virtual QPixmap FileTypeIcon(const std::string& path, IconSize size) = 0;
