@@ -1,6 +1,7 @@
 #include "settings/SettingsFile.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <tuple>
 
 #include "core/ByteReader.h"
@@ -151,8 +152,9 @@ bool HasTerminator(const std::string& field) {
 }
 
 bool SettingsFile::HasContents() const {
-    const Result<FileBytes> file = FileBytes::Read(path_);
-    return file && !file.Value().View().empty();
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(path_, error);
+    return !error && size > 0;
 }
 
 Result<void> SettingsFile::Read(ConvertOptions& options) const {

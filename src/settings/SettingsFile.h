@@ -13,7 +13,7 @@ class SettingsFile {
   public:
     explicit SettingsFile(std::string path) : path_(std::move(path)) {}
 
-    /// Whether there is anything to read: a missing or empty file means a first run.
+    /// Whether the file holds anything, readable or not: a missing or empty one means a first run.
     bool HasContents() const;
     /// Reads the first record as far as the file goes; fields behind its end stay as they are.
     Result<void> Read(ConvertOptions& options) const;

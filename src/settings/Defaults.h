@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "settings/Session.h"
+
+namespace tessara {
+
+/// What the options dialog shows of the stored options.
+struct OptionsControls {
+    int OptionList = 1;  ///< 0 all files, 1 all graphics, 2 graphics for import
+    std::array<bool, 25> CheckIn{};
+    int OptionPic = 0;  ///< as ConvertScope
+    std::array<bool, 10> CheckOut{};
+    std::string TextOutFolder;
+    std::string TextInFolder;
+    int OptionOv = 0;  ///< as OverwriteMode
+};
+
+/// A folder field without a terminator shows as the program's folder.
+OptionsControls ControlsOf(const ConvertOptions& options, const std::string& appPath);
+
+/// What reading and keeping the options needs of the window.
+class DefaultsHost {
+  public:
+    virtual ~DefaultsHost() = default;
+    /// Enters a folder as the start does: path box, tree and list.
+    virtual void EnterFolder(const std::string& folder) = 0;
+    /// Shows the options in the options dialog, if that is open.
+    virtual void SaveGefault00() = 0;
+    /// Rewrites the line of current options.
+    virtual void PrintNote() = 0;
+};
+
+/// Reads the options from the settings file, or makes them and the file on a first run, and enters the start
+/// folder. Without `readFile` only what shows the options is brought up to date.
+void Getdefault(Session& session, DefaultsHost& host, bool readFile);
+
+/// Takes the options from the dialog, and writes them where `writeFile` says so. `changed` becomes true where
+/// a control differs from what was held: `before` for the list mode, which follows its control at once.
+void Savedefault(Session& session, DefaultsHost& host, const OptionsControls& controls,
+                 const ConvertOptions& before, bool writeFile, bool& changed);
+
+/// Reads or writes the options of slide shows.
+void SlideOptionsFile(Session& session, bool write);
+
+}  // namespace tessara
