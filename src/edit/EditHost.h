@@ -19,19 +19,4 @@ class EditHost : public UndoHost {
     virtual void RunHtmlHelp(const std::string& topic) = 0;
 };
 
-/// What everything shares that changes the export picture.
-struct Editor {
-    Session& session;
-    Rastx& exportPane;
-    PictureCarrier& clipboard;
-    UndoStore& undo;
-    EditHost& host;
-
-    /// What every change of the export picture ends with.
-    void ExportImageChanged() const {
-        session.ExportChanged = session.UndoPending = true;
-        host.PutviewExport(1);
-    }
-};
-
 }  // namespace tessara

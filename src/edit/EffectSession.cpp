@@ -10,9 +10,7 @@ void EffectSession::PrepareScratchPictures(int& Width, int& Height) {
     Pic_TempImage_ = Picture();
     Width = editor_.exportPane.ImageWidth();
     Height = editor_.exportPane.ImageHeight();
-    Ignore(editor_.exportPane.CopyClip());
-    Result<Picture> copied = editor_.clipboard.Take();
-    Pic_Image_ = copied ? std::move(copied).Value() : Picture();
+    Pic_Image_ = editor_.CopyExportImage();
 }
 
 void EffectSession::FreshRstImage(bool Restore, bool Show) {
@@ -65,11 +63,6 @@ void EffectSession::Apply(const EffectChoice& choice, bool Dragging) {
     if (!Dragging) SaveSnapshot();
     UpdateEffects(choice);
     editor_.ExportImageChanged();
-}
-
-void EffectSession::Undo() {
-    editor_.undo.UndoCommand("SAVE");
-    editor_.undo.UndoCommand("UNDO");
 }
 
 void EffectSession::PrepareDrag(bool undoEnabled) {

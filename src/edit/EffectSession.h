@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "edit/EditHost.h"
+#include "edit/Editor.h"
 #include "edit/EffectParameters.h"
 
 namespace tessara {
@@ -23,7 +23,7 @@ class EffectSession {
 
     /// A live preview has taken its snapshot already.
     void Apply(const EffectChoice& choice, bool Dragging);
-    void Undo();
+    void Undo() { editor_.StepBack(); }
     void SaveSnapshot() { editor_.undo.UndoCommand("SAVE"); }
     /// What comes before the Apply of a live preview. The first one, when nothing can be undone yet, takes a
     /// snapshot of the untouched picture.

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "edit/EditHost.h"
+#include "edit/Editor.h"
 #include "tests/Support.h"
 
 namespace tessara::test {

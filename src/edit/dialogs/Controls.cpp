@@ -1,6 +1,5 @@
 #include "edit/dialogs/Controls.h"
 
-#include <QHBoxLayout>
 #include <QStyle>
 
 namespace tessara {
@@ -14,6 +13,27 @@ QLineEdit* MakeValueBox(QWidget* parent) {
 
 void ShowText(QLineEdit* box, const QString& text) {
     if (box->text() != text) box->setText(text);
+}
+
+QPushButton* MakeButton(const QString& text, Qt::Key letter, QWidget* parent) {
+    auto* const button = new QPushButton(text, parent);
+    button->setShortcut(Qt::ALT | letter);
+    return button;
+}
+
+QBoxLayout* LayOutWithButtons(QDialog* dialog, QLayout* controls, std::span<QPushButton* const> buttons) {
+    auto* const column = new QVBoxLayout;
+    column->setSpacing(8);
+    for (QPushButton* const button : buttons) column->addWidget(button);
+    column->addStretch();
+
+    auto* const whole = new QHBoxLayout(dialog);
+    whole->setContentsMargins(14, 14, 14, 14);
+    whole->setSpacing(18);
+    whole->addLayout(controls, 1);
+    whole->addLayout(column);
+    whole->setSizeConstraint(QLayout::SetFixedSize);
+    return column;
 }
 
 QToolButton* MakeHelpIcon(QWidget* parent) {

@@ -27,7 +27,6 @@ Dialog2::Dialog2(const Surroundings& surroundings, QWidget* parent)
     setObjectName(QStringLiteral("Dialog2"));
     if (parent) setWindowIcon(parent->window()->windowIcon());
     MakeControls();
-    SetTexts();
     LayOut();
     ConnectControls();
 }

@@ -47,7 +47,6 @@ class Dialog2 final : public QDialog {
 
   private:
     void MakeControls();
-    void SetTexts();
     void LayOut();
     void ConnectControls();
     /// The layout without any effect.

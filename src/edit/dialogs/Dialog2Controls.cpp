@@ -17,32 +17,18 @@ void Dialog2::MakeControls() {
     }
     for (std::size_t i = 0; i < Label1_.size(); ++i)
         Label1_[i] = Named(new QLabel(this), QStringLiteral("Label1"), i);
-    for (std::size_t i = 0; i < OKButton_.size(); ++i)
-        OKButton_[i] = Named(new QPushButton(this), QStringLiteral("OKButton"), i);
+    OKButton_ = {MakeButton(QStringLiteral("Apply"), Qt::Key_A, this),
+                 MakeButton(QStringLiteral("Quit"), Qt::Key_Q, this),
+                 MakeButton(QStringLiteral("Undo"), Qt::Key_U, this)};
+    for (std::size_t i = 0; i < OKButton_.size(); ++i) Named(OKButton_[i], QStringLiteral("OKButton"), i);
     OKButton_[0]->setDefault(true);
     Check1_ = Named(new QCheckBox(this), QStringLiteral("Check1"));
-    Check2_ = Named(new QCheckBox(this), QStringLiteral("Check2"));
-    CheckDrag_ = Named(new QCheckBox(this), QStringLiteral("CheckDrag"));
-    ImageHelp_ = MakeHelpIcon(this);
-}
-
-void Dialog2::SetTexts() {
-    struct Button {
-        QString text;
-        QKeySequence key;
-    };
-    const Button buttons[] = {{QStringLiteral("Apply"), Qt::ALT | Qt::Key_A},
-                              {QStringLiteral("Quit"), Qt::ALT | Qt::Key_Q},
-                              {QStringLiteral("Undo"), Qt::ALT | Qt::Key_U}};
-    for (std::size_t i = 0; i < OKButton_.size(); ++i) {
-        OKButton_[i]->setText(buttons[i].text);
-        OKButton_[i]->setShortcut(buttons[i].key);
-    }
     Check1_->setShortcut(Qt::ALT | Qt::Key_M);
-    Check2_->setText(QStringLiteral("For All Colors"));
-    CheckDrag_->setShortcut(Qt::ALT | Qt::Key_D);
+    Check2_ = Named(new QCheckBox(QStringLiteral("For All Colors"), this), QStringLiteral("Check2"));
+    CheckDrag_ = Named(new QCheckBox(this), QStringLiteral("CheckDrag"));
     CheckDrag_->setToolTip(QStringLiteral(
         "If your system can rapidly handle large computing and drawing tasks, please choose it."));
+    ImageHelp_ = MakeHelpIcon(this);
 }
 
 void Dialog2::LayOut() {
@@ -68,18 +54,8 @@ void Dialog2::LayOut() {
     left->addStretch();
     for (QCheckBox* const box : {Check1_, Check2_, CheckDrag_}) left->addWidget(box);
 
-    auto* const buttons = new QVBoxLayout;
-    buttons->setSpacing(8);
-    for (QPushButton* const button : OKButton_) buttons->addWidget(button);
-    buttons->addStretch();
+    QBoxLayout* const buttons = LayOutWithButtons(this, left, OKButton_);
     buttons->addWidget(ImageHelp_->parentWidget(), 0, Qt::AlignRight);
-
-    auto* const whole = new QHBoxLayout(this);
-    whole->setContentsMargins(14, 14, 14, 14);
-    whole->setSpacing(18);
-    whole->addLayout(left, 1);
-    whole->addLayout(buttons);
-    whole->setSizeConstraint(QLayout::SetFixedSize);
 }
 
 }  // namespace tessara

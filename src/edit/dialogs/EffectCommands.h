@@ -4,7 +4,7 @@
 
 #include "desktop/Prompts.h"
 #include "desktop/RandomSource.h"
-#include "edit/EditHost.h"
+#include "edit/Editor.h"
 #include "edit/EffectCatalogue.h"
 
 namespace tessara {
