@@ -24,10 +24,11 @@ QImage BoardTile(int cell, const QPalette& palette) {
 
 }  // namespace
 
-QImage OnBoard(const QImage& image, const QRect& part, int cell, const QPalette& palette) {
+QImage OnBoard(const QImage& image, const QRect& part, const QPoint& corner, int cell,
+               const QPalette& palette) {
     QImage board(part.size(), QImage::Format_RGB32);
     QPainter painter(&board);
-    painter.setBrushOrigin(-part.topLeft());
+    painter.setBrushOrigin(corner - part.topLeft());
     painter.fillRect(board.rect(), QBrush(BoardTile(cell, palette)));
     painter.drawImage(QPoint(), image, part);
     return board;

@@ -7,8 +7,9 @@
 namespace tessara {
 
 /// A part of an image with alpha on a quiet board of two tones, which tells what is transparent. The board
-/// begins at the image's corner; `cell` is the side of its squares in pixels.
-QImage OnBoard(const QImage& image, const QRect& part, int cell, const QPalette& palette);
+/// begins at the point `corner` of the image; `cell` is the side of its squares in pixels.
+QImage OnBoard(const QImage& image, const QRect& part, const QPoint& corner, int cell,
+               const QPalette& palette);
 
 /// The rubber band: a dashed line of black and white, so that it shows on every picture.
 void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth);

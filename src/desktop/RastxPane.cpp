@@ -56,6 +56,7 @@ RastxPane::RastxPane(Rastx::Surroundings surroundings, QWidget* parent)
 
 void RastxPane::SetViewMode(int mode) {
     ViewMode_ = mode;
+    computed_ = {};
     UpdateScrollBars();
     viewport()->update();
 }
@@ -117,26 +118,31 @@ void RastxPane::paintEvent(QPaintEvent* event) {
 
 void RastxPane::DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed) {
     if (exposed.isEmpty()) return;
-    const Picture& shown = ShownPicture(geometry);
-    const QImage image = ImageOn(shown);
-    const QRect part = exposed.translated(-geometry.Target().topLeft());
-    if (shown.HasAlpha())
+    const auto [picture, corner] = Source(geometry);
+    const QImage image = ImageOn(picture);
+    const QRect part = exposed.translated(-geometry.Target().topLeft() - corner);
+    if (picture.HasAlpha())
         painter.drawImage(exposed.topLeft(),
-                          OnBoard(image, part, qRound(kBoardCell * PixelRatio()), palette()));
+                          OnBoard(image, part, -corner, qRound(kBoardCell * PixelRatio()), palette()));
     else
         painter.drawImage(exposed.topLeft(), image, part);
 }
 
-const Picture& RastxPane::ShownPicture(const ViewGeometry& geometry) {
-    if (!geometry.Shrunk()) return rastx_.Image();
-    const QSize size = geometry.Target().size();
-    const bool current = shrunk_.revision == rastx_.Revision() && shrunk_.picture.Width() == size.width() &&
-                         shrunk_.picture.Height() == size.height();
-    if (current) return shrunk_.picture;
-    auto shrunk =
-        Resample(rastx_.Image(), size.width(), size.height(), ResampleQuality::Fast, HardwareThreads());
-    shrunk_ = {shrunk ? std::move(shrunk).Value() : Picture(), rastx_.Revision()};
-    return shrunk_.picture;
+RastxPane::DrawnFrom RastxPane::Source(const ViewGeometry& geometry) {
+    if (!geometry.Shrunk() && !rastx_.ImagePutOff()) return {rastx_.Image(), {}};
+    const QRect& target = geometry.Target();
+    const QRect seen = geometry.Shrunk() ? target : target & QRect({}, InPixels(viewport()->size()));
+    const QRect part = seen.translated(-target.topLeft());
+    if (computed_.revision != rastx_.Revision() || computed_.part != part) {
+        auto computed = Compute(geometry, part);
+        computed_ = {computed ? std::move(computed).Value() : Picture(), part, rastx_.Revision()};
+    }
+    return {computed_.picture, part.topLeft()};
+}
+
+Result<Picture> RastxPane::Compute(const ViewGeometry& geometry, const QRect& part) const {
+    if (!geometry.Shrunk()) return rastx_.ImagePart(part.x(), part.y(), part.width(), part.height());
+    return Resample(rastx_.Image(), part.width(), part.height(), ResampleQuality::Fast, HardwareThreads());
 }
 
 // Scrolling.

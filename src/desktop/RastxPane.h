@@ -49,10 +49,16 @@ class RastxPane : public QAbstractScrollArea {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    /// What was last shrunk, so that repainting costs no more than copying it to the screen.
-    struct ShrunkPicture {
+    /// What was last computed for the screen, so that repainting costs no more than copying it there.
+    struct ComputedPart {
         Picture picture;
+        QRect part;  ///< of the whole picture as it is shown
         unsigned revision = 0;
+    };
+    /// What is drawn from: a picture whose corner lies at `corner` of the whole.
+    struct DrawnFrom {
+        const Picture& picture;
+        QPoint corner;
     };
 
     double PixelRatio() const { return viewport()->devicePixelRatioF(); }
@@ -62,7 +68,8 @@ class RastxPane : public QAbstractScrollArea {
     ViewGeometry Geometry() const;
     void RastxChanged();
 
-    const Picture& ShownPicture(const ViewGeometry& geometry);
+    DrawnFrom Source(const ViewGeometry& geometry);
+    Result<Picture> Compute(const ViewGeometry& geometry, const QRect& part) const;
     void DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed);
 
     bool CanScroll() const;
@@ -79,7 +86,7 @@ class RastxPane : public QAbstractScrollArea {
     Rastx rastx_;
     int ViewMode_ = 0;
     unsigned revision_ = 0;
-    ShrunkPicture shrunk_;
+    ComputedPart computed_;
     QPointF middle_{0.5, 0.5};  ///< where the middle of the view lies in the picture, as parts of its sides
     bool placing_ = false;      ///< the scroll bars move by themselves
     bool pressed_ = false;      ///< ImageMouseDown was raised, ImageMouseUp is to follow

@@ -46,7 +46,7 @@ Result<void> Rastx::PasteClip() {
 Result<void> Rastx::CopyClip() const {
     if (picture_.Empty()) return BadArgument("there is no picture");
     if (!surroundings_.carrier) return CannotWrite("there is no clipboard");
-    surroundings_.carrier->Put(picture_);
+    surroundings_.carrier->Put(Image());
     return {};
 }
 
@@ -54,7 +54,7 @@ Result<void> Rastx::CopySelection() const {
     if (!surroundings_.carrier) return CannotWrite("there is no clipboard");
     if (!hasSelection_) return BadArgument("nothing is selected");
     TRY_ASSIGN(const Picture part,
-               picture_.Cropped(SelLeft(), SelTop(), SelRight() - SelLeft() + 1, SelBottom() - SelTop() + 1));
+               ImagePart(SelLeft(), SelTop(), SelRight() - SelLeft() + 1, SelBottom() - SelTop() + 1));
     surroundings_.carrier->Put(part);
     return {};
 }
@@ -69,7 +69,7 @@ Result<void> Rastx::CaptureScreen() {
 Result<void> Rastx::SaveAs(const ExportFormat& format, const std::string& path,
                            const EncodeOptions& options) const {
     if (picture_.Empty()) return BadArgument("there is no picture");
-    return ReplaceFile(path, [&](ByteSink& sink) { return format.codec->encode(picture_, options, sink); });
+    return ReplaceFile(path, [&](ByteSink& sink) { return format.codec->encode(Image(), options, sink); });
 }
 
 Result<void> Rastx::SaveBmp(const std::string& path) const {

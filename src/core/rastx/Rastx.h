@@ -7,6 +7,7 @@
 
 #include "core/Parallel.h"
 #include "core/rastx/Codec.h"
+#include "core/rastx/LazyPicture.h"
 #include "core/rastx/Picture.h"
 
 namespace tessara {
@@ -58,7 +59,13 @@ class Rastx {
     explicit Rastx(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
 
     /// The whole picture; empty after ClearImage.
-    const Picture& Image() const { return picture_; }
+    const Picture& Image() const { return picture_.Whole(); }
+    /// A part of it from (x, y), which must lie inside. After a fast Resample only the part is computed.
+    Result<Picture> ImagePart(int x, int y, int width, int height) const {
+        return picture_.Part(x, y, width, height);
+    }
+    /// Whether Image is still to be computed.
+    bool ImagePutOff() const { return picture_.PutOff(); }
     /// Differs after every change of the picture; changes of the rectangle do not count.
     unsigned Revision() const { return revision_; }
     void SetImage(Picture picture);
@@ -89,7 +96,8 @@ class Rastx {
     Result<void> SaveAs(const ExportFormat& format, const std::string& path,
                         const EncodeOptions& options) const;
 
-    /// Recalculates the picture to the new size; `fast` is for viewers, which ask at every step of the zoom.
+    /// Recalculates the picture to the new size; `fast` is for viewers, which ask at every step of the zoom:
+    /// the work is put off until it is known what is looked at.
     Result<void> Resample(int width, int height, bool fast);
 
     /// Runs an effect of the table by its row; the operations below are the same effects by name.
@@ -180,7 +188,7 @@ class Rastx {
     Result<void> Change(Effect effect, Arguments... arguments);
 
     Surroundings surroundings_;
-    Picture picture_;
+    LazyPicture picture_;
     unsigned revision_ = 0;
     int mouseX_ = 0, mouseY_ = 0;
     bool selecting_ = false;

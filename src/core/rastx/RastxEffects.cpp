@@ -25,9 +25,9 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
     const effects::EffectRun run = StartRun();
     if constexpr (std::is_invocable_r_v<Picture, Effect, Picture, Arguments..., effects::EffectRun>) {
         // Such an effect cannot fail, and works in place on a picture that is handed over.
-        picture_ = effect(std::move(picture_), arguments..., run);
+        picture_ = effect(picture_.TakeWhole(), arguments..., run);
     } else {
-        TRY_ASSIGN(picture_, effect(picture_, arguments..., run));
+        TRY_ASSIGN(picture_, effect(Image(), arguments..., run));
     }
     PictureChanged();
     return {};
@@ -35,15 +35,18 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
 
 Result<void> Rastx::Run(const effects::Effect& effect, const effects::ArgumentValues& arguments) {
     if (picture_.Empty()) return BadArgument("there is no picture");
-    TRY_ASSIGN(picture_, effect.apply(picture_, arguments, StartRun()));
+    TRY_ASSIGN(picture_, effect.apply(Image(), arguments, StartRun()));
     PictureChanged();
     return {};
 }
 
 Result<void> Rastx::Resample(int width, int height, bool fast) {
-    TRY_ASSIGN(picture_, tessara::Resample(picture_, width, height,
-                                           fast ? ResampleQuality::Fast : ResampleQuality::Best,
-                                           surroundings_.threads));
+    if (fast) {
+        TRY(picture_.PutOffResample(width, height, surroundings_.threads));
+    } else {
+        TRY_ASSIGN(picture_,
+                   tessara::Resample(Image(), width, height, ResampleQuality::Best, surroundings_.threads));
+    }
     PictureChanged();
     return {};
 }

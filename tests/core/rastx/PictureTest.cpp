@@ -6,6 +6,7 @@
 
 #include "core/rastx/Rastx.h"
 #include "core/rastx/Rows.h"
+#include "core/rastx/effects/Resample.h"
 #include "tests/Support.h"
 
 namespace tessara {
@@ -142,6 +143,32 @@ TEST(Rastx, MovesPicturesOverTheCarrier) {
     test::Must(import.CopyClip());
     test::Must(exported.PasteClip());
     EXPECT_EQ(exported.Image().Pixels().data(), import.Image().Pixels().data()) << "a move copies no pixels";
+}
+
+TEST(Rastx, AFastResampleIsOnlyPutOff) {
+    MemoryCarrier carrier;
+    Rastx pane({.carrier = &carrier});
+    const Picture original = test::PhotoLike(60, 40);
+    const Picture larger = test::Must(Resample(original, 150, 90, ResampleQuality::Fast));
+    pane.SetImage(original);
+    test::Must(pane.Resample(150, 90, true));
+    EXPECT_EQ(pane.ImageWidth(), 150);
+    pane.MoveMouse(20, 10);
+    pane.BeginSelect();
+    pane.MoveMouse(149, 89);
+    test::Must(pane.CopySelection());
+    EXPECT_TRUE(pane.ImagePutOff());
+    EXPECT_EQ(
+        test::LargestDifference(test::Must(carrier.Take()), test::Must(larger.Cropped(20, 10, 130, 80))), 0);
+
+    EXPECT_FALSE(pane.Resample(70000, 1, true)) << "above the limits";
+    EXPECT_EQ(pane.ImageWidth(), 150);
+    test::Must(pane.Resample(30, 20, true));
+    test::Must(pane.FxFlipVertical());
+    Rastx expected;
+    expected.SetImage(test::Must(Resample(larger, 30, 20, ResampleQuality::Fast)));
+    test::Must(expected.FxFlipVertical());
+    EXPECT_EQ(test::LargestDifference(pane.Image(), expected.Image()), 0) << "one upon the other";
 }
 
 TEST(Rastx, AFailingLoadOrSaveChangesNothing) {

@@ -15,7 +15,7 @@ namespace tessara {
 namespace {
 
 /// The source positions that make one position of the result: `count` of them from `first`. They may lie up
-/// to kMargin outside, where the outermost sample goes on.
+/// to kMargin outside of the source, where its outermost sample goes on.
 struct Window {
     int first = 0;
     int count = 0;
@@ -28,15 +28,18 @@ struct Axis {
     std::vector<float> weights;  ///< `stride` for each window
     int stride = 0;
     bool lanczos = false;
+    int sourceFirst = 0;  ///< where the windows count from
+    int sourceCount = 0;
 
     const float* WeightsOf(int position) const {
         return &weights[static_cast<std::size_t>(position) * static_cast<std::size_t>(stride)];
     }
 };
 
-Axis MakeAxis(int target, int stride) {
+Axis MakeAxis(int source, int target, int stride) {
     Axis axis;
     axis.stride = stride;
+    axis.sourceCount = source;
     axis.windows.resize(static_cast<std::size_t>(target));
     axis.weights.assign(static_cast<std::size_t>(target) * static_cast<std::size_t>(stride), 0.0f);
     return axis;
@@ -45,7 +48,7 @@ Axis MakeAxis(int target, int stride) {
 /// Each position of the result is the mean of the stretch that it covers.
 Axis AreaAxis(int source, int target) {
     const double scale = static_cast<double>(source) / target;
-    Axis axis = MakeAxis(target, static_cast<int>(std::ceil(scale)) + 1);
+    Axis axis = MakeAxis(source, target, static_cast<int>(std::ceil(scale)) + 1);
     for (int i = 0; i < target; ++i) {
         // In whole numbers of 1 / target, so that no rounding leaves a sliver of a neighbour.
         const std::int64_t begin = std::int64_t{i} * source;
@@ -75,7 +78,7 @@ double Linear(double x) {
 
 /// Each position of the result is interpolated by `kernel`, which reaches `radius` to either side.
 Axis InterpolationAxis(int source, int target, double (*kernel)(double), int radius) {
-    Axis axis = MakeAxis(target, 2 * radius);
+    Axis axis = MakeAxis(source, target, 2 * radius);
     for (int i = 0; i < target; ++i) {
         const double center = (i + 0.5) * source / target - 0.5;
         const int first = static_cast<int>(std::floor(center)) - radius + 1;
@@ -95,6 +98,22 @@ Axis ChooseAxis(int source, int target, ResampleQuality quality) {
     Axis axis = InterpolationAxis(source, target, Lanczos3, 3);
     axis.lanczos = true;
     return axis;
+}
+
+/// The windows of a stretch of the result, and as much of the source as they need.
+void CutOut(Axis& axis, int begin, int count) {
+    const auto cut = [](auto& values, int from, int length) {
+        values.erase(values.begin() + from + length, values.end());
+        values.erase(values.begin(), values.begin() + from);
+    };
+    cut(axis.windows, begin, count);
+    cut(axis.weights, begin * axis.stride, count * axis.stride);
+    const Window& last = axis.windows.back();
+    const int first = std::clamp(axis.windows.front().first, 0, axis.sourceCount - 1);
+    const int end = std::clamp(last.first + last.count, first + 1, axis.sourceCount);
+    for (Window& window : axis.windows) window.first -= first;
+    axis.sourceFirst = first;
+    axis.sourceCount = end - first;
 }
 
 // A Lanczos kernel overshoots beside an edge, which shows as a ghost of the edge in the flat area. So its
@@ -237,7 +256,7 @@ class RowMaker {
           columns_(columns),
           rows_(rows),
           sourceRows_(static_cast<std::size_t>(rows.stride)),
-          line_(static_cast<std::size_t>(source.Width() + 2 * kMargin)),
+          line_(static_cast<std::size_t>(columns.sourceCount + 2 * kMargin)),
           filtered_(columns.windows.size()) {}
 
     void Make(int y, std::span<Pixel> out) {
@@ -256,10 +275,11 @@ class RowMaker {
     void FilterColumnsOf(int y) {
         const Window& window = rows_.windows[static_cast<std::size_t>(y)];
         for (int k = 0; k < window.count; ++k) {
-            const int row = std::clamp(window.first + k, 0, source_.Height() - 1);
-            sourceRows_[static_cast<std::size_t>(k)] = source_.Row(row).data();
+            const int row = std::clamp(window.first + k, 0, rows_.sourceCount - 1);
+            sourceRows_[static_cast<std::size_t>(k)] =
+                source_.Row(rows_.sourceFirst + row).data() + columns_.sourceFirst;
         }
-        const auto width = static_cast<std::size_t>(source_.Width());
+        const auto width = static_cast<std::size_t>(columns_.sourceCount);
         Channels* line = line_.data() + kMargin;
         if (source_.HasAlpha())
             FilterPremultipliedColumns(sourceRows_.data(), rows_.WeightsOf(y), window.count, rows_.lanczos,
@@ -279,6 +299,23 @@ class RowMaker {
     std::vector<Channels> filtered_;
 };
 
+/// Fills the target, whose rows and columns the axes are.
+void MakeRows(const Picture& source, const Axis& columns, const Axis& rows, int threads, Picture& target) {
+    const std::span<Pixel> pixels = target.MutablePixels();
+    const auto side = static_cast<std::size_t>(target.Width());
+    constexpr std::size_t kPixelsPerThread = std::size_t{1} << 17;
+    const std::size_t sourcePixels =
+        static_cast<std::size_t>(columns.sourceCount) * static_cast<std::size_t>(rows.sourceCount);
+    const std::size_t pixelsPerRow =
+        std::max(sourcePixels, target.PixelCount()) / static_cast<std::size_t>(target.Height()) + 1;
+    const int rowsPerThread = static_cast<int>(kPixelsPerThread / pixelsPerRow);
+    ParallelRows(target.Height(), threads, rowsPerThread, [&](int begin, int end) {
+        RowMaker maker(source, columns, rows);
+        for (int y = begin; y < end; ++y)
+            maker.Make(y, pixels.subspan(static_cast<std::size_t>(y) * side, side));
+    });
+}
+
 }  // namespace
 
 Result<Picture> Resample(const Picture& picture, int width, int height, ResampleQuality quality, int threads,
@@ -287,22 +324,22 @@ Result<Picture> Resample(const Picture& picture, int width, int height, Resample
     width = std::max(1, width);
     height = std::max(1, height);
     if (width == picture.Width() && height == picture.Height()) return picture;
+    TRY(limits.Check(width, height));
+    return ResamplePart(picture, width, height, {0, 0, width, height}, quality, threads);
+}
+
+Result<Picture> ResamplePart(const Picture& picture, int width, int height, const PicturePart& part,
+                             ResampleQuality quality, int threads) {
+    if (part.x < 0 || part.y < 0 || part.width > width - part.x || part.height > height - part.y)
+        return BadArgument("the part lies outside of the picture");
     TRY_ASSIGN(Picture target,
-               Picture::Create(width, height, picture.HasAlpha() ? Alpha::Straight : Alpha::None, limits));
+               Picture::Create(part.width, part.height, picture.HasAlpha() ? Alpha::Straight : Alpha::None));
     target.SetMeta(picture.Meta());
-    const Axis columns = ChooseAxis(picture.Width(), width, quality);
-    const Axis rows = ChooseAxis(picture.Height(), height, quality);
-    const std::span<Pixel> pixels = target.MutablePixels();
-    const auto side = static_cast<std::size_t>(width);
-    constexpr std::size_t kPixelsPerThread = std::size_t{1} << 17;
-    const std::size_t pixelsPerRow =
-        std::max(picture.PixelCount(), target.PixelCount()) / static_cast<std::size_t>(height) + 1;
-    const int rowsPerThread = static_cast<int>(kPixelsPerThread / pixelsPerRow);
-    ParallelRows(height, threads, rowsPerThread, [&](int begin, int end) {
-        RowMaker maker(picture, columns, rows);
-        for (int y = begin; y < end; ++y)
-            maker.Make(y, pixels.subspan(static_cast<std::size_t>(y) * side, side));
-    });
+    Axis columns = ChooseAxis(picture.Width(), width, quality);
+    Axis rows = ChooseAxis(picture.Height(), height, quality);
+    CutOut(columns, part.x, part.width);
+    CutOut(rows, part.y, part.height);
+    MakeRows(picture, columns, rows, threads, target);
     return target;
 }
 

@@ -72,6 +72,25 @@ TEST(Resample, DoesNotDependOnTheNumberOfThreads) {
                   0);
 }
 
+TEST(Resample, APartIsAsItIsInTheWhole) {
+    for (const Picture& picture : {PhotoLike(61, 47), PhotoLikeWithAlpha(61, 47)})
+        for (const auto& [width, height] : {std::pair{183, 141}, {92, 20}, {13, 60}, {61, 47}, {3, 2}})
+            for (const auto quality : {ResampleQuality::Best, ResampleQuality::Fast}) {
+                const Picture whole = Must(Resample(picture, width, height, quality));
+                const int x = width / 3, y = height / 2;
+                for (const PicturePart& part :
+                     {PicturePart{0, 0, x, y}, PicturePart{x, y, width - x, height - y},
+                      PicturePart{x, 0, 1, height}, PicturePart{width - 1, height - 1, 1, 1}}) {
+                    const Picture expected = Must(whole.Cropped(part.x, part.y, part.width, part.height));
+                    EXPECT_EQ(LargestDifference(Must(ResamplePart(picture, width, height, part, quality)),
+                                                expected),
+                              0)
+                        << width << "x" << height << " from " << part.x << "," << part.y;
+                }
+            }
+    EXPECT_FALSE(ResamplePart(Draw("KW"), 4, 4, {3, 0, 2, 1}, ResampleQuality::Fast));
+}
+
 TEST(Resample, RefusesSizesAboveTheLimits) {
     const Picture picture = Draw("KW");
     EXPECT_EQ(Resample(picture, 65536, 1, ResampleQuality::Best).Error().kind, FailureKind::TooBig);
