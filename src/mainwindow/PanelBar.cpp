@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QResizeEvent>
+#include <algorithm>
 
 namespace tessara {
 namespace {
@@ -16,13 +17,13 @@ PanelBar::PanelBar(const QString& name, const QString& key, int panels, QWidget*
         auto* label = new QLabel(this);
         label->setObjectName(key + QString::number(i));
         label->setTextFormat(Qt::PlainText);
-        panels_.push_back({label, QString()});
+        panels_.push_back({.label = label});
     }
 }
 
 void PanelBar::SetText(int panel, const QString& text) {
     At(panel).text = text;
-    ShowText(At(panel));
+    Place();
 }
 
 QString PanelBar::Text(int panel) const {
@@ -34,22 +35,31 @@ void PanelBar::SetPanelWidth(int panel, int width) {
     Place();
 }
 
-void PanelBar::ShowText(Panel& panel) {
-    const QString shown =
-        panel.label->fontMetrics().elidedText(panel.text, Qt::ElideMiddle, panel.label->width());
+void PanelBar::Place() {
+    int left = 0;
+    for (std::size_t i = 0; i < panels_.size(); ++i) {
+        Panel& panel = panels_[i];
+        panel.left = left;
+        panel.end = i + 1 == panels_.size() ? width() : left + panel.width;
+        left = panel.end;
+    }
+    for (std::size_t i = 0; i < panels_.size(); ++i) ShowText(i);
+    update();
+}
+
+void PanelBar::ShowText(std::size_t index) {
+    Panel& panel = panels_[index];
+    // A long text runs on over empty panels.
+    std::size_t last = index;
+    while (last + 1 < panels_.size() && panels_[last + 1].text.isEmpty()) ++last;
+    const QFontMetrics metrics = panel.label->fontMetrics();
+    const int room = panels_[last].end - panel.left - 2 * kMargin;
+    const QString shown = metrics.elidedText(panel.text, Qt::ElideMiddle, room);
+    panel.label->setGeometry(panel.left + kMargin, 0, qBound(0, metrics.horizontalAdvance(shown) + 1, room),
+                             height());
     panel.label->setText(shown);
     panel.label->setAccessibleName(panel.text);
     panel.label->setToolTip(shown == panel.text ? QString() : panel.text);
-}
-
-void PanelBar::Place() {
-    int left = 0;
-    for (Panel& panel : panels_) {
-        const int end = &panel == &panels_.back() ? width() : left + panel.width;
-        panel.label->setGeometry(left + kMargin, 0, qMax(0, end - left - 2 * kMargin), height());
-        ShowText(panel);
-        left = end;
-    }
 }
 
 void PanelBar::resizeEvent(QResizeEvent* event) {
@@ -61,10 +71,11 @@ void PanelBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Window));
     painter.setPen(palette().color(QPalette::Mid));
-    int left = 0;
     for (const Panel& panel : panels_) {
-        if (left > 0) painter.drawLine(left, 3, left, height() - 4);
-        left += panel.width;
+        const bool covered = std::ranges::any_of(panels_, [&](const Panel& other) {
+            return other.left < panel.left && other.label->geometry().right() >= panel.left;
+        });
+        if (panel.left > 0 && !covered) painter.drawLine(panel.left, 3, panel.left, height() - 4);
     }
 }
 

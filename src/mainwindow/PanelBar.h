@@ -23,11 +23,12 @@ class PanelBar : public QWidget {
   private:
     struct Panel {
         QLabel* label;
-        QString text;  ///< whole, where the label has no room for it
+        QString text = {};  ///< whole, where the label has no room for it
         int width = 0;
+        int left = 0, end = 0;
     };
     void Place();
-    void ShowText(Panel& panel);
+    void ShowText(std::size_t index);
     Panel& At(int panel) { return panels_[static_cast<std::size_t>(panel - 1)]; }
 
     std::vector<Panel> panels_;
