@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "core/ByteReader.h"
 #include "core/Multiversion.h"
 
 namespace tessara {
@@ -50,11 +51,17 @@ cmsUInt32Number SampleLayout(SampleColors colors) {
     return TYPE_BGRA_8;
 }
 
-/// Device links and named colours are profiles too, but say nothing about the samples of a picture.
-bool DescribesDevice(cmsHPROFILE profile) {
-    const cmsProfileClassSignature kind = cmsGetDeviceClass(profile);
-    const cmsColorSpaceSignature connection = cmsGetPCS(profile);
-    return (kind == cmsSigInputClass || kind == cmsSigDisplayClass || kind == cmsSigOutputClass ||
+/// Whether a profile tells what samples of these colours mean. Device links and named colours are profiles
+/// too, but say nothing about the samples of a picture. The header's signatures (ICC.1, 7.2) are read from
+/// the bytes: a damaged profile holds numbers that the library's enumerations do not have.
+bool Describes(Bytes icc, SampleColors colors) {
+    ByteReader reader(icc);
+    reader.Seek(12);
+    const std::uint32_t kind = reader.U32Be();
+    const std::uint32_t space = reader.U32Be();
+    const std::uint32_t connection = reader.U32Be();
+    return space == SignatureOf(colors) &&
+           (kind == cmsSigInputClass || kind == cmsSigDisplayClass || kind == cmsSigOutputClass ||
             kind == cmsSigColorSpaceClass || kind == cmsSigAbstractClass) &&
            (connection == cmsSigXYZData || connection == cmsSigLabData);
 }
@@ -137,10 +144,9 @@ class ColorProfile::Transform {
 };
 
 std::optional<ColorProfile> ColorProfile::Open(Bytes icc, SampleColors colors) {
-    if (icc.empty() || icc.size() > UINT32_MAX) return std::nullopt;
+    if (icc.size() > UINT32_MAX || !Describes(icc, colors)) return std::nullopt;
     const ProfileHandle profile(cmsOpenProfileFromMem(icc.data(), static_cast<cmsUInt32Number>(icc.size())));
-    if (!profile || cmsGetColorSpace(profile.get()) != SignatureOf(colors) || !DescribesDevice(profile.get()))
-        return std::nullopt;
+    if (!profile) return std::nullopt;
     if (colors == SampleColors::Rgb) {
         // The tables of the fast transform cost more than this whole test.
         const TransformHandle plain = MakeTransform(profile.get(), colors, cmsFLAGS_NOOPTIMIZE);

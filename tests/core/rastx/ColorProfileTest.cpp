@@ -37,6 +37,12 @@ ByteVector GreyProfile(double gamma) {
 constexpr cmsCIExyYTRIPLE kSrgbPrimaries{{0.64, 0.33, 1}, {0.30, 0.60, 1}, {0.15, 0.06, 1}};
 constexpr cmsCIExyYTRIPLE kWidePrimaries{{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
 
+/// The four bytes of the header from `offset` damaged.
+ByteVector Damaged(ByteVector icc, std::size_t offset) {
+    std::fill_n(icc.begin() + static_cast<std::ptrdiff_t>(offset), 4, std::uint8_t{0xfe});
+    return icc;
+}
+
 TEST(ColorProfile, IsOpenedOnlyWhereItChangesTheSamples) {
     const struct {
         const char* name;
@@ -52,6 +58,9 @@ TEST(ColorProfile, IsOpenedOnlyWhereItChangesTheSamples) {
         {"linear grey", GreyProfile(1), SampleColors::Grey, true},
         {"nothing", {}, SampleColors::Rgb, false},
         {"no profile", ByteVector(200, 0x41), SampleColors::Rgb, false},
+        {"a class that there is not", Damaged(GreyProfile(1), 12), SampleColors::Grey, false},
+        {"colours that there are not", Damaged(GreyProfile(1), 16), SampleColors::Grey, false},
+        {"a connection that there is not", Damaged(GreyProfile(1), 20), SampleColors::Grey, false},
         {"colours of ink limits", SaveAndClose(cmsCreateInkLimitingDeviceLink(cmsSigCmykData, 200)),
          SampleColors::Cmyk, false},
     };
