@@ -34,16 +34,22 @@ Result<std::vector<std::string>> NamesIn(const std::string& folder, EntryKind wa
     return names;
 }
 
+std::string WithoutEndSeparator(std::string path) {
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    return path;
+}
+
 }  // namespace
 
-std::string JoinPath(const std::string& folder, const std::string& name) {
-    return folder.ends_with('/') ? folder + name : folder + "/" + name;
+std::string JoinPath(const std::string& folder, const std::string& name, PathRules rules) {
+    return folder.ends_with(rules.separator) ? folder + name : folder + rules.separator + name;
 }
 
 Result<void> FileEnumerator::SetPath(const std::string& path) {
     TRY_ASSIGN(names_, NamesIn(path, EntryKind::File));
-    const bool changed = path != path_;
-    path_ = path;
+    const std::string plain = WithoutEndSeparator(path);
+    const bool changed = plain != path_;
+    path_ = plain;
     if (changed && PathChange) PathChange();
     return {};
 }

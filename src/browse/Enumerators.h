@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "core/Paths.h"
 #include "core/Result.h"
 
 namespace tessara {
@@ -15,7 +16,8 @@ class FileEnumerator {
     std::function<void()> PathChange = {};
 
     const std::string& Path() const { return path_; }
-    /// Goes to a folder and reads it. A folder that cannot be read is a failure and changes nothing.
+    /// Goes to a folder and reads it; `Path` has no separator at its end. A folder that cannot be read is a
+    /// failure and changes nothing.
     Result<void> SetPath(const std::string& path);
     Result<void> Refresh();
     int ListCount() const { return static_cast<int>(names_.size()); }
@@ -43,6 +45,7 @@ class FolderEnumerator {
 };
 
 /// A folder and a name joined by exactly one separator.
-std::string JoinPath(const std::string& folder, const std::string& name);
+std::string JoinPath(const std::string& folder, const std::string& name,
+                     PathRules rules = PathRules::Native());
 
 }  // namespace tessara
