@@ -1,0 +1,126 @@
+#include "edit/dialogs/SelectionClipboard.h"
+
+namespace tessara {
+namespace {
+
+constexpr int kPasteButton = 7, kCaptureButton = 11;
+
+/// Entries of the menu mEdit.
+enum Entry { kCopy = 0, kPaste = 1, kWholeImport = 3, kCapture = 5, kEntireScreen = 6 };
+
+}  // namespace
+
+bool ConfirmDiscardExport(const Session& session, Prompts& prompts) {
+    return !session.ExportChanged ||
+           prompts.Ask({"The Export Image has been changed and not saved. Continue anyway?",
+                        PromptButtons::YesNo, PromptIcon::Warning}) == Answer::Yes;
+}
+
+SelectionClipboard::SelectionClipboard(Editor& editor, Rastx& importPane, Prompts& prompts,
+                                       SelectionHost& host)
+    : editor_(editor),
+      importPane_(importPane),
+      prompts_(prompts),
+      host_(host),
+      gesture_(editor, importPane, host, editor.session.SelectionActive) {}
+
+void SelectionClipboard::mEdit_Click(int Index) {
+    if (Index != kCapture) editor_.host.StopCapture();
+    switch (Index) {
+        case kCopy:
+            return CopyToClipboard();
+        case kPaste:
+            if (!Paste()) return;
+            break;
+        case kWholeImport:
+            if (!CopyWholeImport()) return;
+            break;
+        case kCapture:
+            editor_.host.Imagetool_Click(kCaptureButton);
+            break;
+        case kEntireScreen:
+            CaptureEntireScreen();
+            break;
+    }
+    host_.SetLabelPict("Size : " + std::to_string(importPane_.ImageWidth()) + " x " +
+                       std::to_string(importPane_.ImageHeight()));
+    host_.SetImportToolTip(kSelectToolTip);
+}
+
+void SelectionClipboard::CopyToClipboard() {
+    Ignore(editor_.exportPane.CopyClip());
+    CheckPaste(true);
+}
+
+void SelectionClipboard::CheckPaste(bool clipboardHoldsBitmap) {
+    editor_.host.SetMenuEnabled("mEdit", kPaste, clipboardHoldsBitmap);
+    editor_.host.SetImageTool(kPasteButton, clipboardHoldsBitmap);
+}
+
+/// Without a bitmap the panes stay as they are, and everything else happens all the same.
+bool SelectionClipboard::Paste() {
+    if (!ConfirmDiscardExport()) return false;
+    editor_.undo.UndoCommand("SAVE");
+    importPane_.ClearSelect();
+    Ignore(importPane_.PasteClip());
+    Ignore(editor_.exportPane.PasteClip());
+    editor_.host.PutviewExport(2);
+    editor_.session.ImagePath.clear();
+    host_.Setvalid(true);
+    DisableListConversions();
+    editor_.session.UndoPending = true;
+    editor_.session.ExportChanged = false;
+    return true;
+}
+
+bool SelectionClipboard::CopyWholeImport() {
+    if (!ConfirmDiscardExport()) return false;
+    editor_.undo.UndoCommand("SAVE");
+    importPane_.ClearSelect();
+    Ignore(importPane_.CopyClip());
+    Ignore(editor_.exportPane.PasteClip());
+    editor_.host.PutviewExport(1);
+    DisableListConversions();
+    editor_.session.ExportChanged = false;
+    editor_.session.UndoPending = true;
+    return true;
+}
+
+void SelectionClipboard::CaptureEntireScreen() {
+    if (!ConfirmDiscardExport()) return;
+    editor_.undo.UndoCommand("SAVE");
+    Ignore(importPane_.CaptureScreen());
+    Ignore(editor_.exportPane.CaptureScreen());
+    editor_.host.PutviewExport(2);
+    editor_.session.UndoPending = true;
+}
+
+void SelectionClipboard::DisableListConversions() {
+    for (const int index : {1, 2}) editor_.host.SetMenuEnabled("mTransform", index, false);
+}
+
+void SelectionClipboard::rastx1_ImageMouseDown(int Index) {
+    if (Index == 0) gesture_.ImageMouseDown(viewer_);
+}
+
+void SelectionClipboard::rastx1_ImageMouseMove(int Index) {
+    if (Index == 0) gesture_.ImageMouseMove();
+}
+
+void SelectionClipboard::rastx1_ImageMouseUp(int Index) {
+    if (Index == 0) gesture_.ImageMouseUp();
+}
+
+void SelectionClipboard::rastx1_ImageRightClick(int Index) {
+    host_.BringDialog2ToFront();
+    if (Index == 1) host_.PopMenu("RST");
+}
+
+void SelectionClipboard::rastx1_ImageDblClick(int Index) {
+    if (Index == 0)
+        host_.OpenImportViewer();
+    else
+        host_.OpenExportViewer();
+}
+
+}  // namespace tessara
