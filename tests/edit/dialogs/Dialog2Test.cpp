@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QTest>
+#include <QTimer>
 
 #include "edit/EffectCatalogue.h"
 #include "tests/edit/RecordingEditHost.h"
@@ -228,6 +229,40 @@ TEST_F(Dialog2Test, RotationFillsWithTheTransparentColourOrWhite) {
         Click("OKButton(0)");
         EXPECT_EQ(test::Sketch(Shown()).front(), corner);
     }
+}
+
+TEST_F(Dialog2Test, TheTransparentBoxAsksForAColourAndGivesItUp) {
+    Open(24);
+    ColorNumber chosen = RGB(1, 2, 3);
+    dialog_ = std::make_unique<Dialog2>(Dialog2::Surroundings{recorded_.editor, prompts_, nullptr,
+                                                              [&] { session_.TransparentColor = chosen; }},
+                                        nullptr);
+    dialog_->Shape();
+    auto& Check1 = Find<QCheckBox>("Check1");
+    Check1.setChecked(true);
+    EXPECT_TRUE(Check1.isChecked());
+    Check1.setChecked(false);
+    EXPECT_EQ(session_.TransparentColor, -1);
+    chosen = -1;
+    Check1.setChecked(true);
+    EXPECT_FALSE(Check1.isChecked()) << "none was chosen";
+}
+
+TEST_F(Dialog2Test, IsModalBesideThePaneUntilItIsClosed) {
+    QWidget pane;
+    pane.setGeometry(20, 300, 300, 300);
+    pane.show();
+    session_.EffectCode = 9;
+    Dialog2 dialog({recorded_.editor, prompts_, &pane}, nullptr);
+    bool seen = false;
+    QTimer::singleShot(0, &dialog, [&] {
+        seen = dialog.isModal() && dialog.isVisible();
+        EXPECT_FALSE(dialog.frameGeometry().intersects(pane.geometry()));
+        dialog.close();
+    });
+    dialog.LoadDialog2();
+    EXPECT_TRUE(seen);
+    EXPECT_EQ(session_.EffectCode, -1);
 }
 
 TEST(ValueSlider, TellsADragFromOtherChanges) {
