@@ -29,6 +29,9 @@ class BrowserHost {
     virtual void UndoRefresh(const std::string& command) = 0;
     virtual void StopCapture() = 0;
     virtual void OpenImportViewer() = 0;
+    virtual void OpenExportViewer() = 0;
+    /// Opens the import viewer and lets it show one file after the other.
+    virtual void StartSlideShow() = 0;
 
     // The frame. Panels count from 1, as their keys do.
     virtual void SetFilePanel(int panel, const std::string& text) = 0;  ///< StatusBarSfile
@@ -47,6 +50,8 @@ class BrowserHost {
     virtual bool MenuEnabled(const std::string& menu, int index) const = 0;
     virtual void SetImageTool(int index, bool enabled) = 0;
     virtual void PopMenu(const std::string& selector) = 0;
+    /// Marks the list mode in the file menu.
+    virtual void SetmnFile() = 0;
 };
 
 /// What the browsing components share. Each is made with a reference to it and enters itself.

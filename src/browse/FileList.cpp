@@ -5,7 +5,6 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QSignalBlocker>
-#include <QStyledItemDelegate>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <memory>
@@ -13,6 +12,7 @@
 #include <unordered_map>
 
 #include "browse/FileInfo.h"
+#include "browse/OneLineDelegate.h"
 #include "browse/SelectionSummary.h"
 #include "core/SystemVersion.h"
 #include "core/Text.h"
@@ -31,16 +31,6 @@ constexpr Column kColumns[] = {
 constexpr int kIndexColumn = 4;
 constexpr int kKeyRole = Qt::UserRole;
 constexpr std::size_t kGenericIcon = 1;  ///< positions count from 1
-
-/// Rows have one height: a line break in a file's name shows as a sign.
-class OneLineDelegate final : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QString displayText(const QVariant& value, const QLocale&) const override {
-        constexpr QChar kSignForLineBreak(0x2424);
-        return value.toString().replace(QChar::LineFeed, kSignForLineBreak);
-    }
-};
 
 /// The last `count` characters of a UTF-8 text.
 std::string_view LastCharacters(std::string_view text, int count) {

@@ -16,6 +16,9 @@ struct Session {
     std::string DesktopPath;    ///< the user's desktop folder
     std::string DocumentsPath;  ///< the user's documents folder
 
+    /// What the captions of the window begin with.
+    std::string ProgramTitle = "Tessara Pro v4.0";
+
     // Options.
     FormatTables formats;
     struct ConvertOptions ConvertOptions;

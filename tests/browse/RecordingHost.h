@@ -37,6 +37,9 @@ class RecordingHost final : public BrowserHost {
     void UndoRefresh(const std::string& command) override { calls.push_back("UndoRefresh " + command); }
     void StopCapture() override { calls.emplace_back("StopCapture"); }
     void OpenImportViewer() override { calls.emplace_back("OpenImportViewer"); }
+    void OpenExportViewer() override { calls.emplace_back("OpenExportViewer"); }
+    void StartSlideShow() override { calls.emplace_back("StartSlideShow"); }
+    void SetmnFile() override { calls.emplace_back("SetmnFile"); }
     void PopMenu(const std::string& selector) override { calls.push_back("PopMenu " + selector); }
 
     void SetFilePanel(int panel, const std::string& text) override {

@@ -1,0 +1,194 @@
+#include <QDropEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScopedValueRollback>
+#include <QVBoxLayout>
+
+#include "browse/FileList.h"
+#include "browse/FolderNaming.h"
+#include "browse/FolderTree.h"
+#include "browse/TreeDelegate.h"
+
+namespace tessara {
+namespace {
+
+constexpr int kTwipsPerPixel = 15;
+
+}  // namespace
+
+/// A tree that knows whether the user is at work: nodes also expand when one below them is shown.
+class FolderTree::View final : public QTreeWidget {
+  public:
+    using QTreeWidget::QTreeWidget;
+    bool HasInput() const { return hasInput_; }
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        const QScopedValueRollback input(hasInput_, true);
+        QTreeWidget::mousePressEvent(event);
+    }
+    void mouseDoubleClickEvent(QMouseEvent* event) override {
+        const QScopedValueRollback input(hasInput_, true);
+        QTreeWidget::mouseDoubleClickEvent(event);
+    }
+    void keyPressEvent(QKeyEvent* event) override {
+        const QScopedValueRollback input(hasInput_, true);
+        QTreeWidget::keyPressEvent(event);
+    }
+
+  private:
+    bool hasInput_ = false;
+};
+
+FolderTree::FolderTree(Browser& browser, QWidget* parent)
+    : QWidget(parent),
+      browser_(browser),
+      view_(new View(this)),
+      TreeViewS_(view_),
+      delegate_(new TreeDelegate(TreeViewS_)),
+      naming_(new FolderNaming(browser, *this, *delegate_)) {
+    naming_->setParent(this);
+    TreeViewS_->setObjectName("TreeViewS");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(TreeViewS_);
+    ConnectTree();
+    browser_.tree = this;
+}
+
+void FolderTree::ConnectTree() {
+    TreeViewS_->setItemDelegate(delegate_);
+    TreeViewS_->setHeaderHidden(true);
+    // As wide as the nodes in sight, so that long names can be scrolled to.
+    TreeViewS_->header()->setStretchLastSection(false);
+    TreeViewS_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    TreeViewS_->header()->setResizeContentsPrecision(0);
+    TreeViewS_->setUniformRowHeights(true);
+    TreeViewS_->setIconSize(QSize(16, 16));
+    TreeViewS_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    TreeViewS_->setAcceptDrops(true);
+    TreeViewS_->installEventFilter(this);
+    TreeViewS_->viewport()->installEventFilter(this);
+    connect(TreeViewS_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* node) {
+        if (!view_->HasInput()) return;
+        NodeExpanded(*static_cast<FolderNode*>(node));
+        TreeViewS_Click();
+    });
+    connect(TreeViewS_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem* node) {
+        SelectNode(*static_cast<FolderNode*>(node));
+        TreeViewS_NodeClick();
+        TreeViewS_Click();
+    });
+    connect(TreeViewS_, &QTreeWidget::itemDoubleClicked, this,
+            [this] { browser_.list->FileViewFile_PathChange(); });
+}
+
+void FolderTree::NodeExpanded(FolderNode& node) {
+    SelectNode(node);
+    ExpandPending_ = true;
+}
+
+bool FolderTree::eventFilter(QObject* watched, QEvent* event) {
+    return watched == TreeViewS_ ? TreeEvent(*event) : ViewportEvent(*event);
+}
+
+bool FolderTree::TreeEvent(QEvent& event) {
+    if (event.type() == QEvent::KeyRelease) {
+        const auto& key = static_cast<const QKeyEvent&>(event);
+        const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
+        // A key that is held down repeats; only where it stops is the folder wanted.
+        if (moves && !key.isAutoRepeat() && !naming_->IsNaming()) TreeViewS_Click();
+    }
+    return false;
+}
+
+bool FolderTree::ViewportEvent(QEvent& event) {
+    const auto mouse = [&]() -> QMouseEvent& { return static_cast<QMouseEvent&>(event); };
+    switch (event.type()) {
+        case QEvent::MouseButtonPress:
+            return MousePressed(mouse().position().toPoint(), mouse().button());
+        case QEvent::MouseButtonDblClick:
+            return naming_->IsNaming();
+        case QEvent::MouseMove:
+            // A press that slips does not take the selection along.
+            return mouse().buttons().testFlag(Qt::LeftButton);
+        case QEvent::MouseButtonRelease:
+            MouseReleased(mouse().position().toPoint(), mouse().button());
+            return false;
+        case QEvent::DragEnter:
+        case QEvent::DragMove: {
+            auto& drag = static_cast<QDragMoveEvent&>(event);
+            const QPoint position = drag.position().toPoint();
+            TreeViewS_DragOver(position.x() * kTwipsPerPixel, position.y() * kTwipsPerPixel);
+            drag.setDropAction(Qt::IgnoreAction);
+            drag.accept();
+            return true;
+        }
+        case QEvent::DragLeave:
+        case QEvent::Drop:
+            SetDropHighlightToNothing();
+            return true;
+        default:
+            return false;
+    }
+}
+
+/// Whether the press goes no further.
+bool FolderTree::MousePressed(const QPoint& position, Qt::MouseButton button) {
+    naming_->FinishLabelEdit();
+    if (naming_->IsNaming()) return true;
+    pressedNode_ = nullptr;
+    if (button == Qt::RightButton) {
+        browser_.host.PopMenu("TreeViewS");
+        return true;
+    }
+    if (button == Qt::LeftButton) pressedNode_ = static_cast<FolderNode*>(TreeViewS_->itemAt(position));
+    return false;
+}
+
+void FolderTree::MouseReleased(const QPoint& position, Qt::MouseButton button) {
+    SetDropHighlightToNothing();
+    if (button != Qt::LeftButton || pressedNode_ == nullptr) return;
+    // The view tells of no click where the pointer has slipped off the node that the press has selected.
+    const bool slipped = TreeViewS_->itemAt(position) != pressedNode_;
+    if (slipped && SelectedNode() == pressedNode_)
+        QMetaObject::invokeMethod(this, &FolderTree::TreeViewS_Click, Qt::QueuedConnection);
+    pressedNode_ = nullptr;
+}
+
+void FolderTree::SetDropHighlightToNothing() {
+    delegate_->dropHighlight = QPersistentModelIndex();
+    TreeViewS_->viewport()->update();
+}
+
+void FolderTree::MakeVisible(int X, int Y) {
+    if (QTreeWidgetItem* node = TreeViewS_->itemAt(X / kTwipsPerPixel, Y / kTwipsPerPixel))
+        TreeViewS_->scrollToItem(node);
+}
+
+void FolderTree::TreeViewS_DragOver(int X, int Y) {
+    const QPoint position(X / kTwipsPerPixel, Y / kTwipsPerPixel);
+    auto* node = static_cast<FolderNode*>(TreeViewS_->itemAt(position));
+    delegate_->dropHighlight = TreeViewS_->indexAt(position);
+    TreeViewS_->viewport()->update();
+    if (node != nullptr) {
+        TreeViewS_->scrollToItem(node);
+        Expand(*node);
+    }
+    constexpr int kStep = 20;
+    constexpr int kSteps = 50;
+    if (Y < 1000) {
+        for (int i = kSteps; i >= 1; --i) MakeVisible(X, Y - kStep * i);
+    } else if (TreeViewS_->height() * kTwipsPerPixel - 1500 < Y) {
+        for (int i = 1; i <= kSteps; ++i) MakeVisible(X, Y + kStep * i);
+    }
+    if (X < 500) {
+        MakeVisible(X - 500, Y);
+    } else if (TreeViewS_->width() * kTwipsPerPixel - 500 < Y) {
+        // The width against Y: so it is wanted.
+        MakeVisible(X + 500, Y);
+    }
+}
+
+}  // namespace tessara
