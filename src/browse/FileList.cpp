@@ -213,6 +213,18 @@ void FileList::ClearRows() {
     ImageListFile_.resize(kGenericIcon);
 }
 
+std::vector<std::string> FileList::TakeCheckedRows() {
+    const QSignalBlocker blocker(ListViewFile_);
+    std::vector<std::string> keys;
+    for (int row = RowCount() - 1; row >= 0; --row) {
+        if (!IsChecked(row)) continue;
+        keys.push_back(KeyOf(row));
+        delete ListViewFile_->takeTopLevelItem(row);
+    }
+    std::ranges::reverse(keys);
+    return keys;
+}
+
 int FileList::SetFileMaxN() const {
     bool isXP = false;
     FindXP(0, 0, browser_.session.DesktopPath, isXP);

@@ -27,6 +27,8 @@ class FileList : public QWidget {
     int SelectedRow() const;
     void SelectRow(int row);
     void ClearRows();
+    /// Takes the checked rows out of the table; their keys, in the order shown.
+    std::vector<std::string> TakeCheckedRows();
 
     /// Rebuilds the table from the folder of FileViewFile.
     void SetListFile();
