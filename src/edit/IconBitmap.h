@@ -8,6 +8,9 @@
 
 namespace tessara {
 
+/// The private file with the 24-bit copy of an icon that has alpha; the last one stays until the end.
+inline constexpr const char* kScratchIcon = "Xptemp.ico";
+
 /// Sizes in bytes of the parts of an icon's image. `height` is twice the image's: the colours and the mask
 /// under them.
 struct IconSizes {

@@ -24,7 +24,7 @@ bool LoadIconByBitmap(std::string& path, std::span<Rastx* const> panes, const Lo
     bool converted = false;
     std::string source = path;
     const Result<void> prepared = PrepareIconBitmap(
-        source, bitmap, converted, {route.session.PrivateFile("Xptemp.ico"), route.backColor});
+        source, bitmap, converted, {route.session.PrivateFile(kScratchIcon), route.backColor});
     if (!converted) return false;
     // What the fixed layout cannot take, such as a picture of 256 pixels, is shown as any other file.
     Rastx Pic_Image;
