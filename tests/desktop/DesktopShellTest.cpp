@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QImage>
+#include <QLocale>
 #include <set>
 
 #include "core/Text.h"
@@ -34,6 +35,7 @@ TEST(DesktopShell, TypeNamesDoNotBeginWithTheExtension) {
 }
 
 TEST(DesktopShell, TypesAreKnownByNamesAlone) {
+    QLocale::setDefault(QLocale::c());  // the names are the desktop's, in its language
     DesktopShell shell;
     struct Row {
         const char* path;
@@ -53,6 +55,7 @@ TEST(DesktopShell, TypesAreKnownByNamesAlone) {
         const std::string name = shell.FileTypeName("/a." + std::string(format.label));
         EXPECT_FALSE(EqualIgnoringCase(name.substr(0, format.label.size()), format.label)) << name;
     }
+    QLocale::setDefault(QLocale::system());
 }
 
 TEST(DesktopShell, IconsTellTypesApart) {

@@ -80,11 +80,5 @@ TEST(Drives, EachVolumeIsListedOnceInTheOrderOfMountPoints) {
                                                   "/mnt/one = /mnt/one [Archive], fixed\n");
 }
 
-TEST(Drives, ThisMachineHasItsRoot) {
-    const std::vector<Drive> drives = MountedDrives();
-    ASSERT_FALSE(drives.empty());
-    EXPECT_EQ(Shown({drives[0]}), kRoot);
-}
-
 }  // namespace
 }  // namespace tessara
