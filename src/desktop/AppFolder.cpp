@@ -10,10 +10,18 @@
 #include "desktop/PathText.h"
 
 namespace tessara {
+namespace {
+
+/// A folder of installed packages is not for us to write in, even where root may.
+bool IsOfTheSystem(const std::string& folder) {
+    return folder.starts_with("/usr/");
+}
+
+}  // namespace
 
 std::string AppFolder(const std::string& programFolder, const std::string& userFolder) {
     std::string folder = programFolder;
-    if (access(folder.c_str(), W_OK | X_OK) != 0) {
+    if (IsOfTheSystem(folder) || access(folder.c_str(), W_OK | X_OK) != 0) {
         folder = userFolder;
         // Where this fails, so do all writes: the program runs without its settings.
         std::error_code failed;
