@@ -1,8 +1,54 @@
-#include <cstdio>
+#include <QApplication>
+#include <QClipboard>
 #include <cstdlib>
 
+#include "artwork/Artwork.h"
+#include "desktop/AppFolder.h"
+#include "desktop/ClipboardCarrier.h"
+#include "desktop/DesktopScreen.h"
+#include "desktop/DesktopShell.h"
+#include "desktop/QtPrompts.h"
+#include "desktop/SingleInstance.h"
+#include "mainwindow/MainForm.h"
+#include "mainwindow/Product.h"
+
+namespace tessara {
+namespace {
+
+void SetUpApplication() {
+    QApplication::setApplicationName(QStringLiteral("tessara"));
+    QApplication::setApplicationDisplayName(QString::fromLatin1(kProductName));
+    QApplication::setDesktopFileName(QStringLiteral("tessara"));
+    QApplication::setWindowIcon(Artwork("tessara"));
+}
+
+/// The window and all that it stands on, until the window is closed.
+void RunDesktop() {
+    DesktopShell shell;
+    Session session;
+    session.AppPath = AppFolder();
+    session.DesktopPath = shell.SpecialFolderPath(SpecialFolder::Desktop);
+    session.DocumentsPath = shell.SpecialFolderPath(SpecialFolder::Documents);
+
+    QtPrompts prompts;
+    ClipboardCarrier clipboard(*QApplication::clipboard());
+    const std::unique_ptr<Screen> screen = MakeScreen();
+    SystemClock clock;
+    SystemRandom random;
+    DesktopLinkOpener links;
+    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links});
+    if (form.Form_Load()) QApplication::exec();
+}
+
+}  // namespace
+}  // namespace tessara
+
 /// The entry of the desktop module.
-extern "C" __attribute__((visibility("default"))) int TessaraDesktopMain(int, char**) {
-    std::puts("Tessara Pro has no window yet; it converts files given as import-path,export-path.");
+extern "C" __attribute__((visibility("default"))) int TessaraDesktopMain(int count, char** arguments) {
+    const QApplication application(count, arguments);
+    const tessara::SingleInstance instance(tessara::InstanceLockFile());
+    if (!instance.IsFirst()) return EXIT_SUCCESS;
+    tessara::SetUpApplication();
+    tessara::RunDesktop();
     return EXIT_SUCCESS;
 }

@@ -1,0 +1,264 @@
+#include "mainwindow/MainForm.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QEvent>
+
+#include "core/SystemVersion.h"
+#include "desktop/PathText.h"
+#include "edit/dialogs/DialogResize.h"
+
+namespace tessara {
+namespace {
+
+constexpr int kTwipsPerPixel = 15;
+constexpr QSize kSmallestWindow(720, 520);
+constexpr int kButtonWidth = 1200;  ///< twips
+
+QString Indexed(const char* name, int index) {
+    return QString::fromLatin1("%1(%2)").arg(QString::fromLatin1(name)).arg(index);
+}
+
+int Pixels(int twips) {
+    return qRound(twips / double(kTwipsPerPixel));
+}
+
+/// A length that became negative leaves the control as it is.
+void Apply(QWidget* control, const Face& face) {
+    if (face.width < 0 || face.height < 0) return;
+    const int left = Pixels(face.left), top = Pixels(face.top);
+    control->setGeometry(left, top, Pixels(face.Right()) - left, Pixels(face.Bottom()) - top);
+}
+
+}  // namespace
+
+MainForm::MainForm(Session& session, const DesktopServices& services)
+    : session_(session),
+      services_(services),
+      client_(new QWidget(this)),
+      toolbar_(new Toolbar(session, client_)),
+      FrameS_(new QWidget(client_)) {
+    setObjectName(QStringLiteral("MainForm"));
+    setMinimumSize(kSmallestWindow);
+    setCentralWidget(client_);
+    FrameS_->setObjectName(QStringLiteral("FrameS"));
+    connect(toolbar_, &Toolbar::Imagetool_Click, this, &MainForm::Imagetool_Click);
+    menus_ = std::make_unique<MainMenu>(
+        *menuBar(), [this](const std::string& array, int index) { MenuClick(array, index); });
+    browser_ = std::make_unique<Browser>(Browser{session_, services_.prompts, services_.shell, *this, {}});
+    MakeFrames();
+    summary_ = std::make_unique<SelectionSummary>(*browser_);
+    fileCommands_ = std::make_unique<FileCommands>(*browser_);
+    MakeEditing();
+    ConnectPanes();
+    ConnectMenus();
+    WatchMouse();
+}
+
+MainForm::~MainForm() = default;
+
+void MainForm::MakeEditing() {
+    Rastx& importPane = rastx1(0).rastx();
+    Rastx& exportPane = rastx1(1).rastx();
+    workingImage_ =
+        std::make_unique<WorkingImage>(session_, importPane, exportPane, services_.clipboard, *this);
+    undo_ = std::make_unique<UndoStore>(session_, exportPane, *this);
+    editor_ = std::make_unique<Editor>(Editor{session_, exportPane, services_.clipboard, *undo_, *this});
+    effects_ = std::make_unique<EffectCommands>(EffectCommands::Surroundings{
+        *editor_, services_.prompts, services_.random, [this] { LoadDialog2(); },
+        [this] {
+            DialogResize({*editor_, &rastx1(1), list_->y()}, this).LoaddialogResize();
+        }});
+    selection_ = std::make_unique<SelectionClipboard>(*editor_, importPane, services_.prompts, *this);
+    convert_ = std::make_unique<ConvertButtons>(
+        ConvertButtons::Surroundings{session_, services_.prompts, [this] { Loaddialog1(); },
+                                     [this] { Convert(); }, [this] { workingImage_->Reload(); }});
+}
+
+void MainForm::ConnectPanes() {
+    for (int i : {0, 1}) {
+        SelectionClipboard& selection = *selection_;
+        const auto connectTo = [&](auto signal, auto handler) {
+            connect(panes_[i], signal, this, [&selection, handler, i] { (selection.*handler)(i); });
+        };
+        connectTo(&RastxPane::ImageMouseDown, &SelectionClipboard::rastx1_ImageMouseDown);
+        connectTo(&RastxPane::ImageMouseMove, &SelectionClipboard::rastx1_ImageMouseMove);
+        connectTo(&RastxPane::ImageMouseUp, &SelectionClipboard::rastx1_ImageMouseUp);
+        connectTo(&RastxPane::ImageRightClick, &SelectionClipboard::rastx1_ImageRightClick);
+        connectTo(&RastxPane::ImageDblClick, &SelectionClipboard::rastx1_ImageDblClick);
+    }
+}
+
+void MainForm::ConnectMenus() {
+    connect(menus_->Menu("mnFile"), &QMenu::aboutToShow, this, &MainForm::SetmnFile);
+    connect(menus_->Menu("mnEdit"), &QMenu::aboutToShow, this, &MainForm::CheckPaste);
+    services_.clipboard.Changed = [this] { CheckPaste(); };
+}
+
+void MainForm::WatchMouse() {
+    // Where the pointer leaves the toolbar for: a move there ends the hover.
+    for (QWidget* area : std::initializer_list<QWidget*>{this, client_, FrameS_, Frametofile1_,
+                                                         Picturefrmfile_, list_->ListViewFile()->viewport(),
+                                                         panes_[0]->viewport(), panes_[1]->viewport()}) {
+        area->setMouseTracking(true);
+        area->installEventFilter(this);
+    }
+}
+
+void MainForm::MakeFrames() {
+    // What is made first lies below what comes later: the frames of the panes reach under the bars.
+    MakePanes();
+    MakeBars();
+    MakeStrip();
+    MakeBrowsing();
+    for (int i : {0, 1, 2}) PictureBLKCHG_[i] = new DragGhost(Indexed("PictureBLKCHG", i), FrameS_);
+}
+
+void MainForm::MakeBrowsing() {
+    tree_ = new FolderTree(*browser_, FrameS_);
+    box_ = new PathBox(*browser_, FrameS_);
+    list_ = new FileList(*browser_, FrameS_);
+    StatusBarSico_ = new PanelBar(QStringLiteral("StatusBarSico"), QStringLiteral("Statusico"), 2, FrameS_);
+    StatusBarSfile_ =
+        new PanelBar(QStringLiteral("StatusBarSfile"), QStringLiteral("Statusfile"), 3, FrameS_);
+    // As a reader goes: folders, their path, the files, then what is done with them.
+    const QWidget* previous = tree_;
+    for (QWidget* next :
+         std::initializer_list<QWidget*>{box_, list_, panes_[0], CommandCon_[1], CommandCon_[0], panes_[1]}) {
+        setTabOrder(const_cast<QWidget*>(previous), next);
+        previous = next;
+    }
+}
+
+Rastx::Surroundings MainForm::PaneSurroundings() const {
+    return {.carrier = &services_.clipboard,
+            .captureScreen = [this] { return services_.screen.CaptureAll(); },
+            .randomSeed = [this] { return services_.random.Next(); }};
+}
+
+void MainForm::MakePanes() {
+    for (int i : {0, 1}) {
+        FrameRst_[i] = new QWidget(FrameS_);
+        FrameRst_[i]->setObjectName(Indexed("FrameRst", i));
+        panes_[i] = new RastxPane(PaneSurroundings(), FrameRst_[i]);
+        panes_[i]->setObjectName(Indexed("rastx1", i));
+    }
+    panes_[0]->setAccessibleName(QStringLiteral("Import image"));
+    panes_[1]->setAccessibleName(QStringLiteral("Export image"));
+}
+
+void MainForm::MakeBars() {
+    for (int i : {0, 1, 2}) {
+        FrameMOve_[i] = new DragBar(Indexed("FrameMOve", i), i == 0 ? Qt::Vertical : Qt::Horizontal, FrameS_);
+        ConnectBar(i);
+    }
+    for (int i : {0, 1}) {
+        ProgressBarS_[i] = new QProgressBar(FrameMOve_[i + 1]);
+        ProgressBarS_[i]->setObjectName(Indexed("ProgressBarS", i));
+        ProgressBarS_[i]->setTextVisible(false);
+        ProgressBarS_[i]->setRange(1, 110);
+        ProgressBarS_[i]->hide();
+    }
+}
+
+void MainForm::ConnectBar(int index) {
+    connect(FrameMOve_[index], &DragBar::MouseDown, this, [this, index] {
+        faces_.ShowGhost(index);
+        Apply(PictureBLKCHG_[index], faces_.PictureBLKCHG[index]);
+        PictureBLKCHG_[index]->show();
+        SplitterDrag_ = true;
+    });
+    connect(FrameMOve_[index], &DragBar::MouseMove, this, [this, index](int x, int y) {
+        if (!SplitterDrag_) return;
+        faces_.MoveGhost(index, x * kTwipsPerPixel, y * kTwipsPerPixel);
+        Apply(PictureBLKCHG_[index], faces_.PictureBLKCHG[index]);
+    });
+    connect(FrameMOve_[index], &DragBar::MouseUp, this, [this, index] {
+        SplitterDrag_ = false;
+        PictureBLKCHG_[index]->hide();
+        faces_.Drop(index);
+        ApplyFaces();
+    });
+}
+
+void MainForm::MakeStrip() {
+    Frametofile1_ = new QWidget(FrameS_);
+    Frametofile1_->setObjectName(QStringLiteral("Frametofile1"));
+    Picturefrmfile_ = new TiledBack(Frametofile1_);
+    Picturefrmfile_->setObjectName(QStringLiteral("Picturefrmfile"));
+    const auto label = [this](const char* name) {
+        auto* made = new QLabel(Frametofile1_);
+        made->setObjectName(QString::fromLatin1(name));
+        return made;
+    };
+    LabelPict_ = label("LabelPict");
+    LabelXY_ = label("LabelXY");
+    LabelWH_ = label("LabelWH");
+    for (int i : {0, 1}) {
+        Image2and3_[i] = new QFrame(Frametofile1_);
+        Image2and3_[i]->setObjectName(QStringLiteral("Image%1").arg(i + 2));
+        Image2and3_[i]->setFrameStyle(static_cast<int>(QFrame::VLine) | QFrame::Sunken);
+    }
+    const char* const kCaptions[] = {"Con&vert", "&Reload"};
+    for (int i : {0, 1}) {
+        CommandCon_[i] = new QPushButton(QString::fromLatin1(kCaptions[i]), Frametofile1_);
+        CommandCon_[i]->setObjectName(Indexed("CommandCon", i));
+        connect(CommandCon_[i], &QPushButton::clicked, this, [this, i] { convert_->CommandCon_Click(i); });
+    }
+}
+
+void MainForm::SetFaceS(bool fillTree) {
+    faces_.SetFaceS(client_->width() * kTwipsPerPixel, client_->height() * kTwipsPerPixel,
+                    IsXP(session_.DesktopPath));
+    ApplyFaces();
+    if (fillTree) tree_->ResetTreeViewS(false);
+}
+
+void MainForm::ApplyFaces() {
+    toolbar_->Place(client_->width());
+    Apply(FrameS_, faces_.FrameS);
+    Apply(tree_, faces_.TreeViewS);
+    Apply(box_, faces_.ImageComboPath);
+    Apply(StatusBarSico_, faces_.StatusBarSico);
+    Apply(list_, faces_.ListViewFile);
+    Apply(StatusBarSfile_, faces_.StatusBarSfile);
+    Apply(Frametofile1_, faces_.Frametofile1);
+    Apply(Picturefrmfile_, faces_.Picturefrmfile);
+    for (int i : {0, 1}) {
+        Apply(FrameRst_[i], faces_.FrameRst[i]);
+        Apply(panes_[i], faces_.rastx1[i]);
+        Apply(ProgressBarS_[i], faces_.ProgressBarS[i]);
+    }
+    for (int i : {0, 1, 2}) Apply(FrameMOve_[i], faces_.FrameMOve[i]);
+    StatusBarSico_->SetPanelWidth(1, Pixels(faces_.optionsPanelWidth));
+    for (int panel : {1, 2}) StatusBarSfile_->SetPanelWidth(panel, Pixels(faces_.FilePanelWidth()));
+    PlaceStrip();
+}
+
+void MainForm::PlaceStrip() {
+    Apply(LabelPict_, {150, 210, 2400, 225});
+    Apply(LabelXY_, {2850, 225, 1200, 210});
+    Apply(LabelWH_, {4200, 225, 1500, 210});
+    for (QFrame* marker : Image2and3_) Apply(marker, {4200 - 90, 195, 30, 270});
+    int right = 0;
+    for (QPushButton* button : CommandCon_) {
+        const int width = kButtonWidth;
+        Apply(button, {faces_.CommandLeft(width) - right, 105, width, 345});
+        right += width + 75;
+    }
+}
+
+bool MainForm::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == client_ && event->type() == QEvent::Resize && !session_.Starting) SetFaceS();
+    if (event->type() == QEvent::MouseMove) toolbar_->ToolbarMouseLeft();
+    if (event->type() == QEvent::MouseButtonPress && (watched == Frametofile1_ || watched == Picturefrmfile_))
+        PopMenu("CONVERT");
+    return QMainWindow::eventFilter(watched, event);
+}
+
+void MainForm::paintEvent(QPaintEvent* event) {
+    CheckPaste();
+    QMainWindow::paintEvent(event);
+}
+
+}  // namespace tessara

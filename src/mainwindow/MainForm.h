@@ -1,0 +1,197 @@
+#pragma once
+
+#include <QFrame>
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <QPushButton>
+#include <array>
+#include <memory>
+
+#include "artwork/TiledBack.h"
+#include "browse/FileCommands.h"
+#include "browse/FileList.h"
+#include "browse/FolderTree.h"
+#include "browse/PathBox.h"
+#include "browse/SelectionSummary.h"
+#include "desktop/Clipboard.h"
+#include "desktop/Clock.h"
+#include "desktop/LinkOpener.h"
+#include "desktop/RandomSource.h"
+#include "desktop/RastxPane.h"
+#include "desktop/Screen.h"
+#include "edit/Editor.h"
+#include "edit/WorkingImage.h"
+#include "edit/dialogs/Dialog2.h"
+#include "edit/dialogs/EffectCommands.h"
+#include "edit/dialogs/SelectionClipboard.h"
+#include "mainwindow/ConvertButtons.h"
+#include "mainwindow/DragBar.h"
+#include "mainwindow/FaceLayout.h"
+#include "mainwindow/MainMenu.h"
+#include "mainwindow/PanelBar.h"
+#include "mainwindow/Toolbar.h"
+#include "settings/Defaults.h"
+
+namespace tessara {
+
+/// What the desktop around the window offers; real or scripted.
+struct DesktopServices {
+    Prompts& prompts;
+    Shell& shell;
+    Clipboard& clipboard;
+    Screen& screen;
+    Clock& clock;
+    RandomSource& random;
+    LinkOpener& links;
+};
+
+/// The main window: owns the panes and every component of browsing and editing, places them, and is what each
+/// of them knows of the others.
+class MainForm final : public QMainWindow,
+                       public BrowserHost,
+                       public WorkingImageHost,
+                       public EditHost,
+                       public SelectionHost,
+                       public DefaultsHost {
+    Q_OBJECT
+  public:
+    MainForm(Session& session, const DesktopServices& services);
+    ~MainForm() override;
+
+    /// The load step: brings up everything and shows the window. False where the user would rather not.
+    bool Form_Load();
+    /// Places everything for the window's size; `fillTree` also reads the tree anew.
+    void SetFaceS(bool fillTree = false);
+    /// Turns off what needs a current picture or a selection.
+    void SetObjFalse();
+
+    RastxPane& rastx1(int index) { return *panes_[static_cast<std::size_t>(index)]; }
+    MainMenu& Menus() { return *menus_; }
+    FileList& List() { return *list_; }
+    FolderTree& Tree() { return *tree_; }
+    PathBox& Box() { return *box_; }
+
+    // What browsing needs.
+    void LoadPict(std::string path) override;
+    void Setvalid(bool valid) override;
+    void ClearPanes() override;
+    void ClearSelection() override;
+    void UndoRefresh(const std::string& command) override;
+    void StopCapture() override;
+    void OpenImportViewer() override;
+    void OpenExportViewer() override;
+    void StartSlideShow() override;
+    void SetFilePanel(int panel, const std::string& text) override;
+    std::string FilePanel(int panel) const override;
+    void SetOptionsPanel(const std::string& text) override;
+    void SetCaption(const std::string& text) override;
+    void SetTreeToolTip(const std::string& text) override;
+    void BusyCursor(bool on) override;
+    void ShowListProgress(int value, bool shown) override;
+    void Repaint() override;
+    void SetKeyPreview(bool on) override;
+    void SetMenuEnabled(const std::string& menu, int index, bool enabled) override;
+    bool MenuEnabled(const std::string& menu, int index) const override;
+    void SetImageTool(int index, bool enabled) override;
+    void PopMenu(const std::string& selector) override;
+    void SetmnFile() override;
+
+    // What the panes' pictures need.
+    void SetImageCommandsEnabled(bool enabled) override;
+    void SetImportToolTip(const std::string& text) override;
+    void SetLabelPict(const std::string& text) override;
+    void ClearPositionLabels() override;
+    void RefreshViewers(int which) override;
+    ColorNumber BackColor() const override;
+
+    // What editing needs.
+    void PutviewExport(int which) override;
+    void ShowProgress(int Max, bool On) override;
+    void SetProgress(int value) override;
+    void Imagetool_Click(int Index) override;
+    void RunHtmlHelp(const std::string& topic) override;
+    void SetLabelXY(const std::string& text) override;
+    void SetLabelWH(const std::string& text) override;
+    void BringDialog2ToFront() override;
+
+    // What the options need.
+    void EnterFolder(const std::string& folder) override;
+    void SaveGefault00() override;
+    void PrintNote() override;
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    // The window's parts, from the lowest to the highest.
+    void MakeFrames();
+    Rastx::Surroundings PaneSurroundings() const;
+    void MakePanes();
+    void MakeBars();
+    void ConnectBar(int index);
+    void MakeStrip();
+    void MakeBrowsing();
+    void MakeEditing();
+    void ConnectPanes();
+    void ConnectMenus();
+    void WatchMouse();
+    void CheckPaste();
+    void ApplyFaces();
+    void PlaceStrip();
+
+    // Commands.
+    void MenuClick(const std::string& array, int index);
+    void mTransform_Click(int Index);
+    void mnOptions_Click();
+    void Loaddialog1();
+    void LoadDialog2();
+    void ShowDialogTrcol();
+    void Convert();
+
+    // The load step and its counterpart.
+    bool DisplayAccepted();
+    void PlaceOnScreen();
+    bool Form_Unload();
+
+    Session& session_;
+    DesktopServices services_;
+    FaceLayout faces_;
+    bool SplitterDrag_ = false;
+    bool keyPreview_ = true;  ///< keys reach the window before the control that has the focus
+
+    std::unique_ptr<MainMenu> menus_;
+    std::unique_ptr<Browser> browser_;
+    std::unique_ptr<SelectionSummary> summary_;
+    std::unique_ptr<FileCommands> fileCommands_;
+    std::unique_ptr<WorkingImage> workingImage_;
+    std::unique_ptr<UndoStore> undo_;
+    std::unique_ptr<Editor> editor_;
+    std::unique_ptr<EffectCommands> effects_;
+    std::unique_ptr<SelectionClipboard> selection_;
+    std::unique_ptr<ConvertButtons> convert_;
+    Dialog2* Dialog2_ = nullptr;  ///< while it is on screen
+
+    QWidget* client_;  ///< what is below the menus
+    Toolbar* toolbar_;
+    QWidget* FrameS_;
+    FolderTree* tree_ = nullptr;
+    FileList* list_ = nullptr;
+    PathBox* box_ = nullptr;
+    PanelBar* StatusBarSico_ = nullptr;
+    PanelBar* StatusBarSfile_ = nullptr;
+    std::array<QWidget*, 2> FrameRst_{};
+    std::array<RastxPane*, 2> panes_{};
+    QWidget* Frametofile1_ = nullptr;
+    TiledBack* Picturefrmfile_ = nullptr;
+    QLabel *LabelPict_ = nullptr, *LabelXY_ = nullptr, *LabelWH_ = nullptr;
+    std::array<QFrame*, 2> Image2and3_{};
+    std::array<QPushButton*, 2> CommandCon_{};
+    std::array<QProgressBar*, 2> ProgressBarS_{};
+    std::array<DragBar*, 3> FrameMOve_{};
+    std::array<DragGhost*, 3> PictureBLKCHG_{};
+};
+
+}  // namespace tessara

@@ -1,0 +1,86 @@
+#include "edit/EffectCatalogue.h"
+#include "edit/dialogs/DialogTrcol.h"
+#include "mainwindow/Dialogprogress.h"
+#include "mainwindow/ListedFiles.h"
+#include "mainwindow/MainForm.h"
+
+// What the menus, the toolbar and the buttons of the strip do.
+
+namespace tessara {
+
+void MainForm::MenuClick(const std::string& array, int index) {
+    if (array == "mFolder") return fileCommands_->mFolder_Click(index);
+    if (array == "mFile") return fileCommands_->mFile_Click(index);
+    if (array == "mEdit") return selection_->mEdit_Click(index);
+    if (array == "mnOptions") return mnOptions_Click();
+    if (array == "mTransform") return mTransform_Click(index);
+    if (FindEffectEntry(array, index) != nullptr) return effects_->Click(array, index);
+}
+
+void MainForm::Imagetool_Click(int Index) {
+    struct Tool {
+        const char* menu;
+        int index;
+    };
+    // Buttons that do what an entry of the menus does.
+    static constexpr Tool kEntries[] = {
+        {"mFolder", 0},
+        {"mFolder", 1},
+        {"mFolder", 4},
+        {"mFile", 0},
+        {"mFile", 1},
+        {},
+        {"mEdit", 0},
+        {"mEdit", 1},
+        {},
+        {},
+        {"mHelp", 0},
+        {},
+        {"mFile", 16},
+    };
+    constexpr int kDelete = 5;
+    constexpr int kUndo = 8, kRedo = 9;
+    if (Index == kUndo) return editor_->StepBack();
+    if (Index == kRedo) return undo_->UndoCommand("REDO");
+    if (Index == kDelete) return fileCommands_->DeleteWithQuestions();
+    if (const Tool& tool = kEntries[Index]; tool.menu != nullptr) MenuClick(tool.menu, tool.index);
+}
+
+void MainForm::mTransform_Click(int Index) {
+    constexpr int kFirstThatReloads = 3;
+    if (Index >= kFirstThatReloads) return convert_->CommandCon_Click(1);
+    session_.ConvertOptions.ConvertScope = static_cast<std::uint8_t>(Index);
+    summary_->PrintNote();
+    convert_->CommandCon_Click(0);
+}
+
+void MainForm::mnOptions_Click() {
+    session_.OptionsFromConvert = false;
+    Loaddialog1();
+}
+
+void MainForm::Loaddialog1() {
+    // FIXME: The options dialog is missing; a conversion starts at once.
+    session_.ConvertConfirmed = session_.OptionsFromConvert;
+}
+
+void MainForm::LoadDialog2() {
+    Dialog2 dialog({*editor_, services_.prompts, &rastx1(1), [this] { ShowDialogTrcol(); }}, this);
+    Dialog2_ = &dialog;
+    dialog.LoadDialog2();
+    Dialog2_ = nullptr;
+}
+
+void MainForm::ShowDialogTrcol() {
+    DialogTrcol(*editor_, this).exec();
+}
+
+void MainForm::Convert() {
+    ListedFiles files(*list_);
+    Dialogprogress({session_, rastx1(1).rastx(), files, services_.prompts, FrameRst_[0],
+                    [this](bool on) { BusyCursor(on); }, [this] { summary_->SelectIcoSourceIco(); }},
+                   this)
+        .LoadDialogprogress();
+}
+
+}  // namespace tessara

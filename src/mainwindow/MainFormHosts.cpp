@@ -1,0 +1,194 @@
+#include <QApplication>
+#include <QCursor>
+#include <QMenu>
+
+#include "core/Text.h"
+#include "desktop/PathText.h"
+#include "mainwindow/MainForm.h"
+
+// What the components ask of the window.
+
+namespace tessara {
+namespace {
+
+/// The branches of the menu that open as pop-ups.
+struct PopUp {
+    std::string_view selector;
+    std::string_view menu;
+};
+constexpr PopUp kPopUps[] = {
+    {"FILE", "mnFile"},
+    {"TREEVIEWS", "mnFolder"},
+    {"RST", "mnEdit"},
+    {"CONVERT", "mnTransform"},
+};
+
+}  // namespace
+
+void MainForm::LoadPict(std::string path) {
+    workingImage_->LoadPict(path);
+}
+
+void MainForm::Setvalid(bool valid) {
+    workingImage_->Setvalid(valid);
+}
+
+void MainForm::ClearPanes() {
+    for (RastxPane* pane : panes_) pane->rastx().ClearImage();
+}
+
+void MainForm::ClearSelection() {
+    session_.SelectionActive = false;
+    rastx1(0).rastx().ClearSelect();
+}
+
+void MainForm::UndoRefresh(const std::string& command) {
+    undo_->UndoRefresh(command);
+}
+
+void MainForm::SetFilePanel(int panel, const std::string& text) {
+    StatusBarSfile_->SetText(panel, ShownText(text));
+}
+
+std::string MainForm::FilePanel(int panel) const {
+    return BytesOfText(StatusBarSfile_->Text(panel));
+}
+
+void MainForm::SetOptionsPanel(const std::string& text) {
+    StatusBarSico_->SetText(1, ShownText(text));
+}
+
+void MainForm::SetCaption(const std::string& text) {
+    setWindowTitle(ShownText(text));
+}
+
+void MainForm::SetTreeToolTip(const std::string& text) {
+    tree_->TreeViewS()->setToolTip(ShownText(text));
+}
+
+void MainForm::BusyCursor(bool on) {
+    // The pointer is set, not stacked: one normal pointer ends any number of hourglasses.
+    while (QApplication::overrideCursor() != nullptr) QApplication::restoreOverrideCursor();
+    if (on) QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+void MainForm::ShowListProgress(int value, bool shown) {
+    ProgressBarS_[0]->setValue(value);
+    ProgressBarS_[0]->setVisible(shown);
+    if (shown) ProgressBarS_[0]->repaint();
+}
+
+void MainForm::Repaint() {
+    if (isVisible()) repaint();
+}
+
+void MainForm::SetKeyPreview(bool on) {
+    keyPreview_ = on;
+}
+
+void MainForm::SetMenuEnabled(const std::string& menu, int index, bool enabled) {
+    menus_->SetEnabled(menu, index, enabled);
+}
+
+bool MainForm::MenuEnabled(const std::string& menu, int index) const {
+    return menus_->Enabled(menu, index);
+}
+
+void MainForm::SetImageTool(int index, bool enabled) {
+    toolbar_->SetImageTool(index, enabled);
+}
+
+void MainForm::PopMenu(const std::string& selector) {
+    const std::string kind = UpperCase(selector);
+    if (kind == "FILE" && list_->RowCount() == 0) return;
+    for (const PopUp& popUp : kPopUps)
+        if (popUp.selector == kind) menus_->Menu(popUp.menu)->popup(QCursor::pos());
+}
+
+void MainForm::SetmnFile() {
+    const ConvertOptions& options = session_.ConvertOptions;
+    const int mode = options.ListAllFiles ? 10 : options.ListImportOnly ? 12 : 11;
+    for (int index : {10, 11, 12}) menus_->SetChecked("mFile", index, index == mode);
+}
+
+void MainForm::SetImageCommandsEnabled(bool enabled) {
+    CommandCon_[1]->setEnabled(enabled);
+    for (const char* head : {"mnEffects", "mnFilters"}) menus_->SetEnabled(head, MainMenu::kHead, enabled);
+    menus_->SetEnabled("mEdit", 3, enabled);
+    for (int index : {0, 1, 2, 4}) menus_->SetEnabled("mTransform", index, enabled);
+}
+
+void MainForm::SetImportToolTip(const std::string& text) {
+    rastx1(0).setToolTip(ShownText(text));
+}
+
+void MainForm::SetLabelPict(const std::string& text) {
+    LabelPict_->setText(ShownText(text));
+}
+
+void MainForm::ClearPositionLabels() {
+    SetLabelXY({});
+    SetLabelWH({});
+}
+
+void MainForm::SetLabelXY(const std::string& text) {
+    LabelXY_->setText(ShownText(text));
+}
+
+void MainForm::SetLabelWH(const std::string& text) {
+    LabelWH_->setText(ShownText(text));
+    // What parts the two labels is only wanted between two texts.
+    for (QFrame* marker : Image2and3_) marker->setVisible(!text.empty());
+}
+
+void MainForm::PutviewExport(int which) {
+    workingImage_->PutviewExport(which);
+}
+
+void MainForm::SetObjFalse() {
+    for (int index : {0, 1, 2, 4}) menus_->SetEnabled("mTransform", index, false);
+    for (int index : {3, 4, 5, 12}) toolbar_->SetImageTool(index, false);
+}
+
+void MainForm::CheckPaste() {
+    selection_->CheckPaste(services_.clipboard.HasPicture());
+}
+
+void MainForm::BringDialog2ToFront() {
+    if (Dialog2_ == nullptr) return;
+    Dialog2_->raise();
+    Dialog2_->activateWindow();
+}
+
+void MainForm::ShowProgress(int Max, bool On) {
+    if (On) {
+        ProgressBarS_[1]->setRange(0, Max);
+        ProgressBarS_[1]->setValue(0);
+    }
+    ProgressBarS_[1]->setVisible(On);
+    BusyCursor(On);
+}
+
+void MainForm::SetProgress(int value) {
+    ProgressBarS_[1]->setValue(value);
+    ProgressBarS_[1]->repaint();
+}
+
+void MainForm::PrintNote() {
+    summary_->PrintNote();
+}
+
+void MainForm::SaveGefault00() {}
+void MainForm::RunHtmlHelp(const std::string&) {}
+void MainForm::RefreshViewers(int) {}
+void MainForm::StopCapture() {}
+void MainForm::OpenImportViewer() {}
+void MainForm::OpenExportViewer() {}
+void MainForm::StartSlideShow() {}
+
+ColorNumber MainForm::BackColor() const {
+    const QColor color = palette().color(QPalette::Window);
+    return RGB(color.red(), color.green(), color.blue());
+}
+
+}  // namespace tessara

@@ -1,0 +1,112 @@
+#include <QApplication>
+#include <QCloseEvent>
+#include <QScreen>
+#include <filesystem>
+
+#include "core/SystemVersion.h"
+#include "edit/IconBitmap.h"
+#include "mainwindow/MainForm.h"
+#include "mainwindow/Product.h"
+#include "mainwindow/SplashForm.h"
+#include "settings/Defaults.h"
+
+// The load step of the main window, and its end.
+
+namespace tessara {
+namespace {
+
+constexpr int kTwipsPerInch = 1440;
+constexpr int kDesignTwipsPerPixel = 15;
+constexpr int kScreenMargin = 375 / kDesignTwipsPerPixel;  ///< pixels of the screen's height that stay free
+
+constexpr char kSmallFontsWarning[] =
+    "This programme works in the Small Fonts mode properly, please us the following steps to change your "
+    "font mode:\n\n"
+    "Control Panel -> Display -> Settings -> Advanced -> General -> Small Fonts\n\n"
+    "Continue anyway?";
+constexpr char kNormalDpiWarning[] =
+    "This programme works in the Normal DPI mode(96 DPI) properly, please us the following steps to change "
+    "your DPI mode:\n\n"
+    "Control Panel -> Display -> Settings -> Advanced -> General -> Normal size(96 DPI) -> Restart\n\n"
+    "Continue anyway?";
+constexpr char kStartFolderBad[] =
+    "Cannot switch to the Start Folder!\n\nPlease change the Start Folder to fix this issue.";
+
+bool HasDesignResolution(const QScreen& screen) {
+    const auto isDesigned = [](qreal dotsPerInch) {
+        return qRound(kTwipsPerInch / dotsPerInch) == kDesignTwipsPerPixel;
+    };
+    return isDesigned(screen.logicalDotsPerInchX()) && isDesigned(screen.logicalDotsPerInchY());
+}
+
+}  // namespace
+
+bool MainForm::DisplayAccepted() {
+    if (HasDesignResolution(*screen())) return true;
+    return services_.prompts.Ask({IsXP(session_.DesktopPath) ? kNormalDpiWarning : kSmallFontsWarning,
+                                  PromptButtons::YesNo, PromptIcon::Information}) == Answer::Yes;
+}
+
+bool MainForm::Form_Load() {
+    SetObjFalse();
+    Ignore(browser_->FileViewFile.SetPath(session_.AppPath));
+    if (!DisplayAccepted()) return false;
+    {
+        SplashForm splash;
+        splash.LabelVersion()->setText(QString::fromLatin1(kVersionText));
+        splash.LabelBuild()->setText(QString::fromLatin1(kBuildText));
+        splash.ShowAtOnce();
+        PlaceOnScreen();
+        ClearPositionLabels();
+        box_->SetComboPath();
+        SetFaceS(true);
+        for (FormatRow& row : session_.formats.ImportFormats) row.Enabled = true;
+        for (FormatRow& row : session_.formats.ExportFormats) row.Enabled = true;
+        session_.formats.SetFormats();
+        box_->SaveGetComBox(true);
+        undo_->UndoRefresh("KILL");
+        Getdefault(session_, *this, true);
+        SetmnFile();
+        SlideOptionsFile(session_, false);
+        CheckPaste();
+    }
+    session_.Starting = false;
+    show();
+    SetFaceS();
+    if (session_.StartFolderBad) {
+        services_.prompts.Ask({kStartFolderBad});
+        MenuClick("mnOptions", MainMenu::kHead);
+    }
+    return true;
+}
+
+void MainForm::PlaceOnScreen() {
+    const QRect area = screen()->availableGeometry();
+    const QRect whole = screen()->geometry();
+    setGeometry(QRect(area.topLeft(), QSize(whole.width(), whole.height() - kScreenMargin)) & area);
+    // The layout works before the window is shown.
+    client_->resize(width(), height() - menuBar()->sizeHint().height());
+}
+
+void MainForm::EnterFolder(const std::string& folder) {
+    Ignore(browser_->FileViewFile.SetPath(folder));
+    box_->SetText(folder);
+    Ignore(browser_->FileViewFile.Refresh());
+    box_->ImageCobomKeyup(false);
+}
+
+bool MainForm::Form_Unload() {
+    if (!selection_->ConfirmDiscardExport()) return false;
+    box_->SaveGetComBox(false);
+    std::error_code ignored;
+    std::filesystem::remove(session_.PrivateFile(kScratchIcon), ignored);
+    return true;
+}
+
+void MainForm::closeEvent(QCloseEvent* event) {
+    event->setAccepted(Form_Unload());
+    // Viewers that are still open end with it.
+    if (event->isAccepted()) QApplication::quit();
+}
+
+}  // namespace tessara
