@@ -30,6 +30,16 @@ class NormalPointer {
     bool overridden_ = QApplication::overrideCursor() != nullptr;
 };
 
+/// What a dialog stands over: a window that stays on top, which would hide it otherwise, or else the active
+/// one.
+QWidget* Owner() {
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto topmost = std::ranges::find_if(windows, [](const QWidget* window) {
+        return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
+    });
+    return topmost != windows.end() ? *topmost : QApplication::activeWindow();
+}
+
 int Execute(QDialog& dialog) {
     const NormalPointer pointer;
     return dialog.exec();
@@ -126,7 +136,7 @@ std::string WithSuffix(std::string path, const std::vector<SaveFilter>& filters,
 
 Answer QtPrompts::Ask(const Prompt& prompt) {
     QMessageBox box(IconOf(prompt.icon), QStringLiteral("Tessara Pro"), ShownText(prompt.text),
-                    ButtonsOf(prompt.buttons), QApplication::activeWindow());
+                    ButtonsOf(prompt.buttons), Owner());
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(DefaultOf(prompt.buttons));
     return AnswerOf(Execute(box));
@@ -137,7 +147,7 @@ void QtPrompts::Beep() {
 }
 
 std::string QtPrompts::PickFolder(const std::string& title) {
-    QFileDialog dialog(QApplication::activeWindow(), ShownText(title), QDir::homePath());
+    QFileDialog dialog(Owner(), ShownText(title), QDir::homePath());
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
     if (Execute(dialog) != QDialog::Accepted) return {};
@@ -145,7 +155,7 @@ std::string QtPrompts::PickFolder(const std::string& title) {
 }
 
 std::string QtPrompts::PickSaveFile(const SaveRequest& request) {
-    QFileDialog dialog(QApplication::activeWindow());
+    QFileDialog dialog(Owner());
     Prepare(dialog, request);
     while (Execute(dialog) == QDialog::Accepted) {
         const QString typed = dialog.selectedFiles().value(0);
@@ -168,7 +178,7 @@ std::string QtPrompts::PickSaveFile(const SaveRequest& request) {
 
 ColorNumber QtPrompts::PickColor(const std::string& title, ColorNumber start) {
     const Pixel pixel = PixelFromColor(start);
-    QColorDialog dialog(QColor(pixel.r, pixel.g, pixel.b), QApplication::activeWindow());
+    QColorDialog dialog(QColor(pixel.r, pixel.g, pixel.b), Owner());
     dialog.setWindowTitle(ShownText(title));
     if (Execute(dialog) != QDialog::Accepted) return start;
     const QColor color = dialog.currentColor();

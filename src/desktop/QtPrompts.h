@@ -4,7 +4,8 @@
 
 namespace tessara {
 
-/// The toolkit's dialogs, over the window that is active. An hourglass pointer waits while they are open.
+/// The toolkit's dialogs, over the window that is active or stays on top. An hourglass pointer waits while
+/// they are open.
 class QtPrompts final : public Prompts {
   public:
     Answer Ask(const Prompt& prompt) override;

@@ -103,6 +103,25 @@ TEST(QtPrompts, TextsAreShownAsTheyStandUnderANormalPointer) {
     QApplication::restoreOverrideCursor();
 }
 
+TEST(QtPrompts, AWindowThatStaysOnTopDoesNotHideTheQuestion) {
+    QWidget topmost(nullptr, Qt::Window | Qt::WindowStaysOnTopHint);
+    QWidget active;
+    topmost.show();
+    active.show();
+    const QWidget* owner = nullptr;
+    const User::Act look = [&](QWidget* dialog) {
+        owner = dialog->parentWidget();
+        PressEscape(dialog);
+    };
+    const User user({look, look});
+    QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
+    EXPECT_EQ(owner, &topmost);
+    topmost.hide();
+    QApplication::setActiveWindow(&active);
+    QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
+    EXPECT_EQ(owner, &active);
+}
+
 TEST(QtPrompts, ANameWithoutExtensionGetsThatOfTheFilter) {
     struct Row {
         const char* typed;
