@@ -46,7 +46,8 @@ OptionsControls ControlsOf(const ConvertOptions& options, const std::string& app
     return controls;
 }
 
-void Getdefault(Session& session, DefaultsHost& host, bool readFile) {
+void Getdefault(Session& session, DefaultsHost& host, bool readFile,
+                const std::function<void()>& SaveGefault00) {
     const SettingsFile file(session.PrivateFile(kFileName));
     if (readFile && file.HasContents() && file.Read(session.ConvertOptions)) {
         TakeFlags(session.formats.ImportFormats, session.ConvertOptions.ImportOn);
@@ -62,7 +63,7 @@ void Getdefault(Session& session, DefaultsHost& host, bool readFile) {
             Ignore(file.Write(session.SlideOptions));
         }
     }
-    if (!session.Starting) host.SaveGefault00();
+    if (!session.Starting && SaveGefault00) SaveGefault00();
     host.PrintNote();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 
 #include "settings/Session.h"
@@ -27,15 +28,15 @@ class DefaultsHost {
     virtual ~DefaultsHost() = default;
     /// Enters a folder as the start does: path box, tree and list.
     virtual void EnterFolder(const std::string& folder) = 0;
-    /// Shows the options in the options dialog, if that is open.
-    virtual void SaveGefault00() = 0;
     /// Rewrites the line of current options.
     virtual void PrintNote() = 0;
 };
 
 /// Reads the options from the settings file, or makes them and the file on a first run, and enters the start
-/// folder. Without `readFile` only what shows the options is brought up to date.
-void Getdefault(Session& session, DefaultsHost& host, bool readFile);
+/// folder. Without `readFile` only what shows the options is brought up to date; after the start that is also
+/// the options dialog, through `SaveGefault00`.
+void Getdefault(Session& session, DefaultsHost& host, bool readFile,
+                const std::function<void()>& SaveGefault00 = {});
 
 /// Takes the options from the dialog, and writes them where `writeFile` says so. `changed` becomes true where
 /// a control differs from what was held: `before` for the list mode, which follows its control at once.

@@ -144,7 +144,9 @@ std::string FolderField(const std::string& folder) {
 }
 
 std::string FolderOf(const std::string& field) {
-    return HasTerminator(field) ? field.substr(0, field.find(kTerminator)) : std::string();
+    // Of the root's four separators the first is the folder, not the terminator's.
+    const std::size_t end = field.starts_with("////") ? 1 : field.find(kTerminator);
+    return HasTerminator(field) ? field.substr(0, end) : std::string();
 }
 
 bool HasTerminator(const std::string& field) {

@@ -22,9 +22,11 @@ class DefaultsTest : public testing::Test, protected DefaultsHost {
     }
 
     void EnterFolder(const std::string& folder) override { calls_.push_back("enter " + folder); }
-    void SaveGefault00() override { calls_.emplace_back("fill"); }
     void PrintNote() override { calls_.emplace_back("note"); }
 
+    void Get(bool readFile) {
+        Getdefault(session_, *this, readFile, [this] { calls_.emplace_back("fill"); });
+    }
     int CountOn() const {
         return static_cast<int>(
             std::ranges::count(session_.formats.ExportFormats, true, &FormatRow::Enabled));
@@ -40,7 +42,7 @@ using Calls = std::vector<std::string>;
 
 TEST_F(DefaultsTest, AFirstRunWritesTwoFormatsAndShowsAll) {
     session_.SlideOptions.SlideDelay = 1;
-    Getdefault(session_, *this, true);
+    Get(true);
     EXPECT_EQ(calls_, (Calls{"enter " + folder_.Path(), "note"}));
     EXPECT_EQ(session_.ConvertOptions, ConvertOptions::FirstRun(folder_.Path()));
     EXPECT_EQ(session_.SlideOptions, SlideOptions{});
@@ -48,9 +50,9 @@ TEST_F(DefaultsTest, AFirstRunWritesTwoFormatsAndShowsAll) {
     EXPECT_EQ(std::filesystem::file_size(file_.Path()), 808u);
     calls_.clear();
     session_.Starting = false;
-    Getdefault(session_, *this, true);
+    Get(true);
     EXPECT_EQ(CountOn(), 2);
-    Getdefault(session_, *this, false);
+    Get(false);
     EXPECT_EQ(calls_, (Calls{"enter " + folder_.Path(), "fill", "note", "fill", "note"}));
 }
 
@@ -71,7 +73,7 @@ TEST_F(DefaultsTest, TheStartFolderIsTheProgramsWhereTheFieldHoldsNone) {
         options.ImportOn[3] = false;
         test::Must(file_.Write(options));
         calls_.clear();
-        Getdefault(session_, *this, true);
+        Get(true);
         EXPECT_EQ(calls_, (Calls{"enter " + row.entered, "note"}));
         EXPECT_EQ(ControlsOf(session_.ConvertOptions, folder_.Path()).TextInFolder, row.shown);
         EXPECT_FALSE(session_.formats.ImportFormats[3].Enabled);
@@ -82,12 +84,12 @@ TEST_F(DefaultsTest, AFileThatCannotBeReadStays) {
     // A file too large to be read, and a folder in its place.
     test::WriteWhole(file_.Path(), AsBytes("x"));
     std::filesystem::resize_file(file_.Path(), std::uintmax_t{5} << 30);
-    Getdefault(session_, *this, true);
+    Get(true);
     EXPECT_EQ(session_.ConvertOptions, ConvertOptions::FirstRun(folder_.Path()));
     EXPECT_EQ(std::filesystem::file_size(file_.Path()), std::uintmax_t{5} << 30);
     std::filesystem::remove(file_.Path());
     std::filesystem::create_directory(file_.Path());
-    Getdefault(session_, *this, true);
+    Get(true);
     EXPECT_TRUE(std::filesystem::is_directory(file_.Path()));
 }
 

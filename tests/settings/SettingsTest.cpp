@@ -106,7 +106,7 @@ TEST_F(SettingsFiles, FolderFieldsEndAtTheirTerminator) {
         const char* folder;
     };
     for (const Case& row :
-         {Case{"/a b///  ", "/a b"}, {"///", ""}, {"/a", ""}, {"", ""}, {"/a///b///", "/a"}})
+         {Case{"/a b///  ", "/a b"}, {"///", ""}, {"/a", ""}, {"", ""}, {"/a///b///", "/a"}, {"////  ", "/"}})
         EXPECT_EQ(FolderOf(row.field), row.folder) << row.field;
     // A path that leaves no room for the terminator counts as empty when it is read again.
     ConvertOptions options = ConvertOptions::FirstRun("/" + std::string(297, 'x'));
