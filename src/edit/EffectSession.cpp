@@ -6,10 +6,8 @@
 
 namespace tessara {
 
-void EffectSession::PrepareScratchPictures(int& Width, int& Height) {
+void EffectSession::PrepareScratchPictures() {
     Pic_TempImage_ = Picture();
-    Width = editor_.exportPane.ImageWidth();
-    Height = editor_.exportPane.ImageHeight();
     Pic_Image_ = editor_.CopyExportImage();
 }
 

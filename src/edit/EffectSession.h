@@ -13,8 +13,8 @@ class EffectSession {
   public:
     explicit EffectSession(Editor& editor) : editor_(editor) {}
 
-    /// Takes the export picture, by way of the clipboard, as the one to start from; gives its size.
-    void PrepareScratchPictures(int& Width, int& Height);
+    /// Takes the export picture, by way of the clipboard, as the one to start from.
+    void PrepareScratchPictures();
     /// Shows the working picture in the pane, with `Restore` after putting it back to the first one. Nothing
     /// is done without `Show`.
     void FreshRstImage(bool Restore, bool Show);

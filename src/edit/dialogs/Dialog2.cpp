@@ -52,8 +52,7 @@ void Dialog2::LoadDialog2() {
 
 void Dialog2::Shape() {
     Loading_ = true;
-    int Width = 0, Height = 0;
-    effect_.PrepareScratchPictures(Width, Height);
+    effect_.PrepareScratchPictures();
     setWindowTitle(ShownText(EffectDialogTitle(session())));
     Neutral();
     if (const EffectParameters* effect = FindEffectParameters(session().EffectCode)) ShapeSliders(*effect);

@@ -23,7 +23,6 @@ void Dialog2::MakeControls() {
     for (std::size_t i = 0; i < OKButton_.size(); ++i) Named(OKButton_[i], QStringLiteral("OKButton"), i);
     OKButton_[0]->setDefault(true);
     Check1_ = Named(new QCheckBox(this), QStringLiteral("Check1"));
-    Check1_->setShortcut(Qt::ALT | Qt::Key_M);
     Check2_ = Named(new QCheckBox(QStringLiteral("For All Colors"), this), QStringLiteral("Check2"));
     CheckDrag_ = Named(new QCheckBox(this), QStringLiteral("CheckDrag"));
     CheckDrag_->setToolTip(QStringLiteral(
