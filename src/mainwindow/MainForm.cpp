@@ -2,7 +2,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QEvent>
+#include <QKeyEvent>
 
 #include "core/SystemVersion.h"
 #include "desktop/PathText.h"
@@ -73,6 +73,8 @@ void MainForm::MakeEditing() {
     convert_ = std::make_unique<ConvertButtons>(
         ConvertButtons::Surroundings{session_, services_.prompts, [this] { Loaddialog1(); },
                                      [this] { Convert(); }, [this] { workingImage_->Reload(); }});
+    capture_ = std::make_unique<ScreenCapture>(ScreenCapture::Surroundings{
+        *editor_, importPane, services_.screen, services_.clock, services_.prompts, *this, captureWindow_});
 }
 
 void MainForm::ConnectPanes() {
@@ -133,7 +135,7 @@ void MainForm::MakeBrowsing() {
 Rastx::Surroundings MainForm::PaneSurroundings() const {
     return {.carrier = &services_.clipboard,
             .captureScreen = [this] { return services_.screen.CaptureAll(); },
-            .randomSeed = [this] { return services_.random.Next(); }};
+            .randomSeed = [this] { return session_.EffectSeed; }};
 }
 
 void MainForm::MakePanes() {
@@ -254,6 +256,11 @@ bool MainForm::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonPress && (watched == Frametofile1_ || watched == Picturefrmfile_))
         PopMenu("CONVERT");
     return QMainWindow::eventFilter(watched, event);
+}
+
+void MainForm::keyPressEvent(QKeyEvent* event) {
+    if (keyPreview_) capture_->Form_KeyDown(event->key());
+    QMainWindow::keyPressEvent(event);
 }
 
 void MainForm::paintEvent(QPaintEvent* event) {

@@ -24,6 +24,8 @@
 #include "edit/WorkingImage.h"
 #include "edit/dialogs/Dialog2.h"
 #include "edit/dialogs/EffectCommands.h"
+#include "edit/dialogs/FormIcoRealSize.h"
+#include "edit/dialogs/ScreenCapture.h"
 #include "edit/dialogs/SelectionClipboard.h"
 #include "mainwindow/ConvertButtons.h"
 #include "mainwindow/DragBar.h"
@@ -31,7 +33,7 @@
 #include "mainwindow/MainMenu.h"
 #include "mainwindow/PanelBar.h"
 #include "mainwindow/Toolbar.h"
-#include "settings/Defaults.h"
+#include "settings/dialogs/OptionsHost.h"
 
 namespace tessara {
 
@@ -53,7 +55,8 @@ class MainForm final : public QMainWindow,
                        public WorkingImageHost,
                        public EditHost,
                        public SelectionHost,
-                       public DefaultsHost {
+                       public CaptureHost,
+                       public OptionsHost {
     Q_OBJECT
   public:
     MainForm(Session& session, const DesktopServices& services);
@@ -114,15 +117,23 @@ class MainForm final : public QMainWindow,
     void SetLabelXY(const std::string& text) override;
     void SetLabelWH(const std::string& text) override;
     void BringDialog2ToFront() override;
+    Qt::WindowStates WindowState() const override { return windowState(); }
+    void SetWindowState(Qt::WindowStates states) override;
+    void SetCapturePicture(PictureState picture) override;
+    bool ConfirmDiscardExport() override;
+    void UpdateImportLabels() override;
 
     // What the options need.
     void EnterFolder(const std::string& folder) override;
-    void SaveGefault00() override;
     void PrintNote() override;
+    std::string SelectedFile() const override;
+    void ShowDialogTrcol() override;
+    void ShowDialogSlideOpt() override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -148,7 +159,6 @@ class MainForm final : public QMainWindow,
     void mnOptions_Click();
     void Loaddialog1();
     void LoadDialog2();
-    void ShowDialogTrcol();
     void Convert();
 
     // The load step and its counterpart.
@@ -172,6 +182,8 @@ class MainForm final : public QMainWindow,
     std::unique_ptr<EffectCommands> effects_;
     std::unique_ptr<SelectionClipboard> selection_;
     std::unique_ptr<ConvertButtons> convert_;
+    FormIcoRealSize captureWindow_;
+    std::unique_ptr<ScreenCapture> capture_;
     Dialog2* Dialog2_ = nullptr;  ///< while it is on screen
 
     QWidget* client_;  ///< what is below the menus

@@ -3,6 +3,7 @@
 #include "mainwindow/Dialogprogress.h"
 #include "mainwindow/ListedFiles.h"
 #include "mainwindow/MainForm.h"
+#include "settings/dialogs/Dialog1.h"
 
 // What the menus, the toolbar and the buttons of the strip do.
 
@@ -38,8 +39,9 @@ void MainForm::Imagetool_Click(int Index) {
         {},
         {"mFile", 16},
     };
-    constexpr int kDelete = 5;
-    constexpr int kUndo = 8, kRedo = 9;
+    constexpr int kDelete = 5, kUndo = 8, kRedo = 9;
+    if (Index == kCaptureTool) return capture_->CaptureTool_Click();
+    capture_->EndCapture();
     if (Index == kUndo) return editor_->StepBack();
     if (Index == kRedo) return undo_->UndoCommand("REDO");
     if (Index == kDelete) return fileCommands_->DeleteWithQuestions();
@@ -60,8 +62,15 @@ void MainForm::mnOptions_Click() {
 }
 
 void MainForm::Loaddialog1() {
-    // FIXME: The options dialog is missing; a conversion starts at once.
-    session_.ConvertConfirmed = session_.OptionsFromConvert;
+    const ConvertOptions before = session_.ConvertOptions;
+    Dialog1(session_, services_.prompts, *this, this).Loaddialog1();
+    const ConvertOptions& after = session_.ConvertOptions;
+    const bool listsOthers =
+        after.ListAllFiles != before.ListAllFiles || after.ListImportOnly != before.ListImportOnly ||
+        (after.ListImportOnly && after.ImportOn != before.ImportOn);
+    // A conversion that follows needs the files and the picture as they are.
+    const bool converts = session_.OptionsFromConvert && session_.ConvertConfirmed;
+    if (listsOthers && !converts) list_->FileViewFile_PathChange();
 }
 
 void MainForm::LoadDialog2() {

@@ -174,14 +174,41 @@ void MainForm::SetProgress(int value) {
     ProgressBarS_[1]->repaint();
 }
 
+void MainForm::StopCapture() {
+    capture_->EndCapture();
+}
+
+void MainForm::SetWindowState(Qt::WindowStates states) {
+    setWindowState(states);
+    if (!states.testFlag(Qt::WindowMinimized)) activateWindow();
+}
+
+void MainForm::SetCapturePicture(PictureState picture) {
+    toolbar_->Imagetool(kCaptureTool)->SetPicture(picture);
+}
+
+bool MainForm::ConfirmDiscardExport() {
+    return selection_->ConfirmDiscardExport();
+}
+
+void MainForm::UpdateImportLabels() {
+    const Rastx& pane = rastx1(0).rastx();
+    SetLabelPict("Size : " + std::to_string(pane.ImageWidth()) + " x " + std::to_string(pane.ImageHeight()));
+    SetImportToolTip(kSelectToolTip);
+}
+
 void MainForm::PrintNote() {
     summary_->PrintNote();
 }
 
-void MainForm::SaveGefault00() {}
+std::string MainForm::SelectedFile() const {
+    const int row = list_->SelectedRow();
+    return row < 0 ? std::string() : list_->KeyOf(row);
+}
+
+void MainForm::ShowDialogSlideOpt() {}
 void MainForm::RunHtmlHelp(const std::string&) {}
 void MainForm::RefreshViewers(int) {}
-void MainForm::StopCapture() {}
 void MainForm::OpenImportViewer() {}
 void MainForm::OpenExportViewer() {}
 void MainForm::StartSlideShow() {}

@@ -13,6 +13,16 @@ QString Text(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+QAction* MakeAction(std::string_view caption, QWidget* parent) {
+    auto* action = new QAction(parent);
+    // A separator with a text would show it, as a heading.
+    if (caption == kSeparator)
+        action->setSeparator(true);
+    else
+        action->setText(Text(caption));
+    return action;
+}
+
 }  // namespace
 
 MainMenu::MainMenu(QMenuBar& bar, Click click) : bar_(bar), click_(std::move(click)) {
@@ -25,9 +35,7 @@ MainMenu::MainMenu(QMenuBar& bar, Click click) : bar_(bar), click_(std::move(cli
 void MainMenu::AddHead(const MenuHead& head) {
     const auto parent = menus_.find(head.parent);
     QWidget* above = parent == menus_.end() ? static_cast<QWidget*>(&bar_) : parent->second;
-    auto* action =
-        head.kind == HeadKind::Menu ? AddMenu(head, above) : new QAction(Text(head.caption), above);
-    action->setSeparator(head.kind == HeadKind::Separator);
+    QAction* action = head.kind == HeadKind::Menu ? AddMenu(head, above) : MakeAction(head.caption, above);
     above->addAction(action);
     Enter(action, head.name, kHead);
 }
@@ -42,8 +50,7 @@ QAction* MainMenu::AddMenu(const MenuHead& head, QWidget* above) {
 
 void MainMenu::AddItem(const MenuItem& item, bool visible) {
     QMenu* menu = menus_.find(item.array)->second;
-    auto* action = new QAction(Text(item.caption), menu);
-    action->setSeparator(item.caption == kSeparator);
+    QAction* action = MakeAction(item.caption, menu);
     action->setShortcut(QKeySequence(Text(item.shortcut)));
     action->setEnabled(item.enabled);
     action->setCheckable(item.checkable);

@@ -15,7 +15,7 @@ constexpr MenuHead kHeads[] = {
     {"Color", "&Color", "mColor", "mnFilters"},
     {"Outline", "&Outline", "mOutline", "mnFilters"},
     {"Distort", "&Distort", "mDistort", "mnFilters"},
-    {"mBreak", "-", "", "mnFilters", HeadKind::Separator},
+    {"mBreak", "-", "", "mnFilters", HeadKind::Entry},
     {"Stylize", "&Stylize", "mStylize", "mnFilters"},
     {"Buttonize", "&Buttonize", "mButtonize", "mnFilters"},
     {"Others", "O&thers", "mOthers", "mnFilters"},

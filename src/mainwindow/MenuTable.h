@@ -5,10 +5,11 @@
 
 namespace tessara {
 
-enum class HeadKind { Menu, Entry, Separator };
+// The caption "-" is a separator.
 
-/// A menu of the bar or a submenu, whose items are the control array `array`; or an entry or separator among
-/// menus.
+enum class HeadKind { Menu, Entry };
+
+/// A menu of the bar or a submenu, whose items are the control array `array`; or an entry among menus.
 struct MenuHead {
     std::string_view name;
     std::string_view caption;
@@ -17,7 +18,7 @@ struct MenuHead {
     HeadKind kind = HeadKind::Menu;
 };
 
-/// An item of a control array. The caption "-" is a separator.
+/// An item of a control array.
 struct MenuItem {
     std::string_view array;
     int index;
@@ -40,5 +41,6 @@ struct ToolButton {
     std::string_view icon;  ///< name of its picture
 };
 std::span<const ToolButton> ToolButtons();
+inline constexpr int kCaptureTool = 11;
 
 }  // namespace tessara

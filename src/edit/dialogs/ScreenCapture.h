@@ -8,7 +8,7 @@
 #include "desktop/Clock.h"
 #include "desktop/Prompts.h"
 #include "desktop/Screen.h"
-#include "edit/EditHost.h"
+#include "edit/Editor.h"
 
 namespace tessara {
 
