@@ -83,7 +83,9 @@ bool MainForm::Form_Load() {
 void MainForm::PlaceOnScreen() {
     const QRect area = screen()->availableGeometry();
     const QRect whole = screen()->geometry();
-    setGeometry(QRect(area.topLeft(), QSize(whole.width(), whole.height() - kScreenMargin)) & area);
+    // The frame that the desktop puts around begins at the corner, not what is inside of it.
+    move(area.topLeft());
+    resize(QSize(whole.width(), whole.height() - kScreenMargin).boundedTo(area.size()));
     // The layout works before the window is shown.
     client_->resize(width(), height() - menuBar()->sizeHint().height());
 }

@@ -10,14 +10,12 @@
 #include "desktop/QtPrompts.h"
 #include "desktop/SingleInstance.h"
 #include "mainwindow/MainForm.h"
-#include "mainwindow/Product.h"
 
 namespace tessara {
 namespace {
 
 void SetUpApplication() {
     QApplication::setApplicationName(QStringLiteral("tessara"));
-    QApplication::setApplicationDisplayName(QString::fromLatin1(kProductName));
     QApplication::setDesktopFileName(QStringLiteral("tessara"));
     QApplication::setWindowIcon(Artwork("tessara"));
 }
