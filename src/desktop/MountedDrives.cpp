@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -46,7 +47,8 @@ std::string LabelOf(const std::string& name) {
 
 DeviceFacts FactsOf(const std::string& source) {
     const fs::path device = Resolved(source);
-    DeviceFacts facts{IsRemovable(Resolved("/sys/class/block" / device.filename())), {}};
+    const fs::path described = Resolved("/sys/class/block" / device.filename());
+    DeviceFacts facts{!described.empty() && IsRemovable(described), {}};
     std::error_code error;
     for (const auto& link : fs::directory_iterator("/dev/disk/by-label", error))
         if (Resolved(link.path()) == device) facts.label = LabelOf(link.path().filename());
