@@ -1,7 +1,5 @@
 #include "desktop/PaneDrawing.h"
 
-#include <QPen>
-
 namespace tessara {
 namespace {
 
@@ -34,20 +32,22 @@ QImage OnBoard(const QImage& image, const QRect& part, const QPoint& corner, int
     return board;
 }
 
-void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth) {
+void DrawFrame(QPainter& painter, const QRect& rectangle, QPen pen) {
     // A line is centred on its coordinates: those of the pixels' middles keep it on the pixels meant.
-    const double half = 0.5 * lineWidth;
-    const QRectF line = QRectF(rectangle).adjusted(half, half, -half, -half);
-    QPen pen(Qt::black, lineWidth);
+    const double half = 0.5 * pen.width();
     pen.setJoinStyle(Qt::MiterJoin);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(pen);
-    painter.drawRect(line);
+    painter.drawRect(QRectF(rectangle).adjusted(half, half, -half, -half));
+}
+
+void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth) {
+    QPen pen(Qt::black, lineWidth);
+    DrawFrame(painter, rectangle, pen);
     pen.setColor(Qt::white);
     pen.setCapStyle(Qt::FlatCap);
     pen.setDashPattern({4, 4});
-    painter.setPen(pen);
-    painter.drawRect(line);
+    DrawFrame(painter, rectangle, pen);
 }
 
 }  // namespace tessara

@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QPainter>
 #include <QPalette>
+#include <QPen>
 
 namespace tessara {
 
@@ -11,6 +12,8 @@ namespace tessara {
 QImage OnBoard(const QImage& image, const QRect& part, const QPoint& corner, int cell,
                const QPalette& palette);
 
+/// A line along the inner side of a rectangle's edges.
+void DrawFrame(QPainter& painter, const QRect& rectangle, QPen pen);
 /// The rubber band: a dashed line of black and white, so that it shows on every picture.
 void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth);
 

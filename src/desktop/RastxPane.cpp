@@ -6,8 +6,6 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QStyle>
-#include <QStyleOptionFocusRect>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -73,6 +71,7 @@ void RastxPane::RastxChanged() {
 bool RastxPane::event(QEvent* event) {
     // Another screen may have another scale factor, and then other pixels.
     if (event->type() == QEvent::ScreenChangeInternal) UpdateScrollBars();
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) viewport()->update();
     return QAbstractScrollArea::event(event);
 }
 
@@ -106,14 +105,13 @@ void RastxPane::paintEvent(QPaintEvent* event) {
     const ViewGeometry geometry = Geometry();
     painter.scale(1 / ratio, 1 / ratio);
     DrawPicture(painter, geometry, exposed.toAlignedRect() & geometry.Target());
+    const int lineWidth = std::max(1, qRound(ratio));
     if (const QRect selection = Selection(); !selection.isEmpty())
-        DrawBand(painter, geometry.ViewRectangle(selection), std::max(1, qRound(ratio)));
-    painter.resetTransform();
-    QStyleOptionFocusRect focus;
-    focus.initFrom(this);
-    focus.rect = viewport()->rect();
-    if (hasFocus() && focus.state.testFlag(QStyle::State_KeyboardFocusChange))
-        style()->drawPrimitive(QStyle::PE_FrameFocusRect, &focus, &painter, this);
+        DrawBand(painter, geometry.ViewRectangle(selection), lineWidth);
+    // The style's own mark would tint the picture.
+    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
+        DrawFrame(painter, QRect(QPoint(), InPixels(viewport()->size())),
+                  QPen(palette().color(QPalette::Highlight), lineWidth));
 }
 
 void RastxPane::DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed) {
