@@ -38,17 +38,14 @@ TEST_F(DialogSlideOptTest, ADelayIsTypedWithinLimits) {
         int beeps;
     };
     const Row kRows[] = {
-        {"1000", "1000 (1 Second)", 1000, 0},
         {"1400", "1400 (1 Second)", 1400, 0},
         {"1500", "1500 (2 Seconds)", 1500, 0},
         {"999", "999 (1 Second)", 999, 0},
         {"400", "400 (0 Seconds)", 400, 0},
-        {"30000", "30000 (30 Seconds)", 30000, 0},
         {"30001", "30000 (30 Seconds)", 30000, 1},
         {"0", "0 (0 Seconds)", 0, 1},
         {"07", "7 (0 Seconds)", 7, 1},
         {"5a0", "50 (0 Seconds)", 50, 1},
-        {"-5", "5 (0 Seconds)", 5, 1},
     };
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.typed);

@@ -16,15 +16,13 @@ class RecordingStage final : public ViewerStage {
     std::vector<int> loaded;  ///< ListIndex at each Loadfile00, also where there is no such item
     std::map<int, bool> tools;
     std::string slideToolTip;
-    bool fullScreen = false;
-    int fitted = 0;
 
     int ItemCount() const override { return count; }
     void SetImageTool(int index, bool enabled) override { tools[index] = enabled; }
     void SetSlideToolTip(const std::string& text) override { slideToolTip = text; }
-    void ShowFullScreen() override { fullScreen = true; }
+    void ShowFullScreen() override {}
     void Loadfile00() override { loaded.push_back(walk.ListIndex); }
-    void FitSlide() override { ++fitted; }
+    void FitSlide() override {}
 
     /// "-" for each button that is off, "+" for one that is on, "." for one that was never set.
     std::string Tools() const {

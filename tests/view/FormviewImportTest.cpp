@@ -1,0 +1,286 @@
+#include "view/FormviewImport.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+#include <filesystem>
+
+#include "tests/view/RecordingViewHost.h"
+
+namespace tessara {
+namespace {
+
+class FormviewImportTest : public testing::Test, protected test::RecordedViewing {
+  protected:
+    /// A list of files 1.bmp, 2.bmp, ... of 10 by 5, 20 by 5, ... pixels.
+    void AddFiles(int count) {
+        for (int i = 1; i <= count; ++i) AddFile(std::to_string(i) + ".bmp", 10 * i, 5);
+    }
+    FormviewImport& Open(int item) {
+        Select(item);
+        form_ = std::make_unique<FormviewImport>(surroundings);
+        return *form_;
+    }
+    Rastx& Pane() { return form_->rastx1(0).rastx(); }
+    QWidget* View() { return form_->rastx1(0).viewport(); }
+    std::string Shown() {
+        return std::to_string(Pane().ImageWidth()) + "x" + std::to_string(Pane().ImageHeight());
+    }
+    std::string Caption() { return form_->windowTitle().toStdString(); }
+    std::string Text(QLabel* (ViewerToolbar::*label)() const) {
+        return (form_->FrameToolBar1().*label)()->text().toStdString();
+    }
+    /// "+" for each button that is on, "-" for one that is off.
+    std::string Tools() {
+        std::string text;
+        for (int i = 0; i <= kFullScreen; ++i) text += form_->Imagetool(i)->isEnabled() ? '+' : '-';
+        return text;
+    }
+    void Drag(const QPoint& from, const QPoint& to) {
+        QTest::mousePress(View(), Qt::LeftButton, {}, from);
+        QMouseEvent move(QEvent::MouseMove, QPointF(to), View()->mapToGlobal(QPointF(to)), Qt::NoButton,
+                         Qt::LeftButton, {});
+        QCoreApplication::sendEvent(View(), &move);
+        QTest::mouseRelease(View(), Qt::LeftButton, {}, to);
+    }
+    /// Where a pixel of a small picture, which lies in the middle, is in the pane.
+    QPoint At(int x, int y) {
+        const Rastx& pane = Pane();
+        return QPoint((View()->width() - pane.ImageWidth()) / 2 + x,
+                      (View()->height() - pane.ImageHeight()) / 2 + y);
+    }
+
+    std::unique_ptr<FormviewImport> form_;
+};
+
+TEST_F(FormviewImportTest, WalksThroughTheList) {
+    AddFiles(3);
+    test::WriteWhole(window.keys[1], AsBytes("this is no picture"));
+    Open(1);
+    EXPECT_TRUE(session.ViewImportOpen);
+    EXPECT_EQ(Caption(), window.keys[0] + "   [1/3]");
+    EXPECT_EQ(Text(&ViewerToolbar::LabelPict), "Size: 10 x 5");
+    EXPECT_EQ(Tools(), "-+++-++++");
+    form_->Imagetool(kNext)->click();
+    EXPECT_EQ(Shown(), "0x0") << "no picture";
+    EXPECT_EQ(Caption(), window.keys[1] + "   [2/3]");
+    EXPECT_EQ(window.madeVisible, 2);
+    form_->Imagetool(kNext)->click();
+    EXPECT_EQ(Shown(), "30x5");
+    EXPECT_EQ(Tools(), "+-++-++++");
+    form_->Imagetool(kPrevious)->click();
+    form_->Imagetool(kPrevious)->click();
+    EXPECT_EQ(Shown(), "10x5");
+    EXPECT_EQ(Tools().substr(0, 2), "-+");
+    EXPECT_FALSE(host.busy);
+}
+
+TEST_F(FormviewImportTest, WithoutAFileItShowsTheImportPane) {
+    importPane.SetImage(test::Draw("KWKW"));
+    form_ = std::make_unique<FormviewImport>(surroundings);
+    EXPECT_EQ(Shown() + Caption(), "4x1   [0/0]");
+}
+
+TEST_F(FormviewImportTest, EveryZoomStartsFromThePictureOnTheClipboard) {
+    struct Row {
+        const char* name;
+        std::vector<int> steps;
+        const char* shown;
+        const char* label;
+        const char* tools;  // zoom out and in
+    };
+    const Row kRows[] = {
+        {"in to the end", {kZoomIn, kZoomIn, kZoomIn}, "60x15", "Zoom: 300%", "+-"},
+        {"out to the end", std::vector<int>(8, kZoomOut), "1x1", "Zoom: 5%", "-+"},
+        {"out and back again", {kZoomOut, kZoomIn, kZoomIn}, "30x8", "Zoom: 150%", "++"},
+    };
+    AddFiles(2);
+    for (const Row& row : kRows) {
+        SCOPED_TRACE(row.name);
+        Open(2);
+        for (const int step : row.steps) form_->Imagetool(step)->click();
+        EXPECT_EQ(Shown(), row.shown);
+        EXPECT_EQ(Text(&ViewerToolbar::LabelZoom), row.label);
+        EXPECT_EQ(Tools().substr(kZoomOut, 2), row.tools);
+    }
+    clipboard.Put(test::Draw("RR RR"));
+    form_->Zoom(kZoomIn);
+    EXPECT_EQ(Shown(), "40x10") << "of another program's picture, at the size of ours";
+    EXPECT_EQ(Pane().Image().At(39, 9), PixelFromColor(RGB(255, 0, 0)));
+}
+
+TEST_F(FormviewImportTest, TheZoomLevelOutlivesTheNextLoad) {
+    AddFiles(2);
+    Open(1).Zoom(kZoomIn);
+    form_->Imagetool(kNext)->click();
+    EXPECT_EQ(Shown() + " " + Text(&ViewerToolbar::LabelZoom), "20x5 Zoom: 100%");
+    form_->Zoom(kZoomIn);
+    EXPECT_EQ(Shown() + " " + Text(&ViewerToolbar::LabelZoom), "40x10 Zoom: 200%");
+}
+
+TEST_F(FormviewImportTest, DeletesFromTheListFirstAndThenFromTheDiskIfWanted) {
+    struct Row {
+        const char* name;
+        int item;
+        Answer answer;
+        const char* shown;
+    };
+    for (const Row& row :
+         {Row{"one in the middle", 2, Answer::Yes, "30x5"}, Row{"from the list only", 2, Answer::No, "30x5"},
+          Row{"the last one stays on view", 3, Answer::Yes, "30x5"}}) {
+        SCOPED_TRACE(row.name);
+        window.keys.clear();
+        AddFiles(3);
+        Open(row.item);
+        const std::string key = window.ItemKey(row.item);
+        prompts.asked.clear();
+        prompts.answers = {row.answer};
+        form_->Imagetool(kDelete)->click();
+        ASSERT_EQ(prompts.asked.size(), 1u);
+        EXPECT_EQ(
+            prompts.asked[0].text,
+            "This file has been deleted from the Current List.\n\nDo you want to delete it from your disk?");
+        EXPECT_EQ(window.keys.size(), 2u);
+        EXPECT_EQ(std::filesystem::exists(key), row.answer == Answer::No);
+        EXPECT_EQ(Shown(), row.shown);
+    }
+    form_->Imagetool(kDelete)->click();
+    EXPECT_EQ(prompts.asked.size(), 1u) << "behind the last item there is nothing to delete";
+}
+
+TEST_F(FormviewImportTest, ARectangleBecomesTheExportPicture) {
+    AddFile("photo.bmp", 100, 80);
+    Open(1);
+    session.SelectionActive = true;
+    QTest::mousePress(View(), Qt::LeftButton, {}, At(10, 20));
+    EXPECT_EQ(Text(&ViewerToolbar::LabelXY), "10,20");
+    EXPECT_FALSE(session.SelectionActive) << "the main window's band is given up";
+    Drag(At(50, 60), At(21, 41));
+    EXPECT_TRUE(session.SelectionViewActive);
+    EXPECT_EQ(exportPane.ImageWidth(), 30);
+    EXPECT_EQ(exportPane.ImageHeight(), 20);
+    EXPECT_EQ(Text(&ViewerToolbar::LabelXY) + " " + Text(&ViewerToolbar::LabelWH), "21,41 30 x 20");
+    EXPECT_EQ(window.labelXY + " " + window.labelWH, "21,41 30 x 20");
+    EXPECT_TRUE(session.ExportChanged);
+    selection.rastx1_ImageMouseDown(0);
+    EXPECT_FALSE(session.SelectionViewActive);
+    EXPECT_FALSE(Pane().HasSelection());
+}
+
+TEST_F(FormviewImportTest, ARunningShowGoesOnByKeyAndClick) {
+    AddFiles(9);
+    session.SlideOptions.SlideAuto = 0;
+    Open(1);
+    QWidget* const strip = form_->FrameToolBar1().PictureToolBack();
+    const std::pair<const char*, std::function<void()>> kSteps[] = {
+        {"key", [&] { QTest::keyClick(form_.get(), Qt::Key_Space); }},
+        {"click on the picture", [&] { QTest::mouseClick(View(), Qt::LeftButton, {}, At(1, 1)); }},
+        {"click beside it",
+         [&] {
+             QTest::mouseClick(View(), Qt::LeftButton, {}, {5, 5});
+         }},
+        {"context menu",
+         [&] {
+             QContextMenuEvent event(QContextMenuEvent::Mouse, {5, 5}, {5, 5});
+             QCoreApplication::sendEvent(View(), &event);
+         }},
+        {"the strip",
+         [&] {
+             QTest::mouseClick(strip, Qt::LeftButton, {}, {400, 10});
+         }},
+    };
+    for (const auto& [name, step] : kSteps) {
+        const int before = form_->ListIndex();
+        step();
+        EXPECT_EQ(form_->ListIndex(), before) << name << " without a show";
+        form_->StartSlide();
+        step();
+        EXPECT_EQ(form_->ListIndex(), before + 1) << name;
+        form_->StartSlide();
+    }
+}
+
+TEST_F(FormviewImportTest, SlidesMayBeShrunkToThePane) {
+    AddFiles(1);
+    AddFile("large.bmp", 2000, 1000);
+    struct Row {
+        const char* name;
+        std::uint8_t resize, order;
+        int from;
+        const char* shown;
+        const char* label;
+    };
+    for (const Row& row :
+         {Row{"large", 1, 0, 1, "496x396", "Zoom: 24%"}, Row{"small", 1, 1, 2, "10x5", "Zoom: 100%"},
+          Row{"left as it is", 0, 0, 1, "2000x1000", "Zoom: 100%"}}) {
+        session.SlideOptions = {.SlideResize = row.resize, .SlideOrder = row.order};
+        Open(row.from).resize(506, 450);
+        form_->SlideShowNow();
+        EXPECT_EQ(Shown(), row.shown) << row.name;
+        EXPECT_EQ(Text(&ViewerToolbar::LabelZoom), row.label) << row.name;
+    }
+}
+
+TEST_F(FormviewImportTest, TheWindowsStateIsThatOfItsButtons) {
+    AddFiles(2);
+    Open(1);
+    EXPECT_FALSE(form_->isMaximized());
+    form_->Imagetool(kFullScreen)->click();
+    EXPECT_TRUE(form_->isMaximized());
+    EXPECT_EQ(Tools(), "-+++++++-");
+    QTest::mouseDClick(View(), Qt::LeftButton, {}, At(1, 1));
+    EXPECT_FALSE(form_->isMaximized());
+    EXPECT_EQ(Tools(), "-+++-++++");
+    session.SlideOptions.SlideFullScreen = 1;
+    form_->Imagetool(kSlideShow)->click();
+    EXPECT_TRUE(form_->isMaximized());
+    EXPECT_EQ(form_->Imagetool(kSlideShow)->toolTip(), QStringLiteral("Stop Slide Show"));
+    EXPECT_EQ(Tools(), "--+-+----");
+}
+
+TEST_F(FormviewImportTest, ClosingEndsEverything) {
+    AddFiles(3);
+    QSignalSpy unloaded(&Open(2), &FormviewImport::Unloaded);
+    form_->StartSlide();
+    session.SelectionViewActive = true;
+    QTest::mouseDClick(&form_->FrameToolBar1(), Qt::LeftButton, {}, {300, 12});
+    QTest::mouseDClick(View(), Qt::LeftButton, {}, {5, 5});
+    EXPECT_TRUE(session.ViewImportOpen);
+    QTest::mouseDClick(form_.get(), Qt::LeftButton, {}, {5, form_->height() - 5});
+    EXPECT_EQ(unloaded.count(), 1);
+    EXPECT_FALSE(session.ViewImportOpen || session.SlideRunning || session.SelectionViewActive);
+    clock.Advance(100'000);
+    EXPECT_EQ(form_->ListIndex(), 2) << "the timer has stopped";
+}
+
+TEST_F(FormviewImportTest, LabelsKeepToTheRightEndAndGiveWayToLargeNumbers) {
+    const std::vector<QLabel* (ViewerToolbar::*)() const> kLabels = {
+        &ViewerToolbar::LabelPict, &ViewerToolbar::LabelZoom, &ViewerToolbar::LabelXY,
+        &ViewerToolbar::LabelWH};
+    const auto lefts = [&] {
+        std::vector<int> places;
+        for (const auto label : kLabels) places.push_back((form_->FrameToolBar1().*label)()->x());
+        return places;
+    };
+    AddFile("small.bmp", 3, 3);
+    AddFile("large.bmp", 20000, 3);
+    Open(1).setFont(QFont(QStringLiteral("DejaVu Sans"), 6));
+    for (const auto& [width, right] : {std::pair{800, 800}, {576, 576}, {400, 575}}) {
+        form_->resize(width, 400);
+        EXPECT_EQ(lefts(), (std::vector<int>{right - 350, right - 235, right - 130, right - 45})) << width;
+    }
+    Open(2).setFont(QFont(QStringLiteral("DejaVu Sans"), 12));
+    form_->resize(400, 400);
+    Drag({0, 0}, {100, 100});
+    const std::vector<int> places = lefts();
+    EXPECT_GE(places[0], form_->Imagetool(kDelete)->geometry().right());
+    for (std::size_t i = 0; i + 1 < kLabels.size(); ++i) {
+        const QLabel* const label = (form_->FrameToolBar1().*kLabels[i])();
+        EXPECT_LE(places[i] + label->sizeHint().width(), places[i + 1]) << label->text().toStdString();
+    }
+}
+
+}  // namespace
+}  // namespace tessara
