@@ -1,0 +1,92 @@
+#include "view/Viewers.h"
+
+#include <gtest/gtest.h>
+
+#include <QTest>
+
+#include "tests/view/RecordingViewHost.h"
+
+namespace tessara {
+namespace {
+
+class ViewersTest : public testing::Test, protected test::RecordedViewing {
+  protected:
+    ViewersTest() {
+        for (const char* name : {"1.bmp", "2.bmp"}) AddFile(name, 40, 30);
+        Select(1);
+        importPane.SetImage(test::Draw("KW KW"));
+    }
+    std::string Exported() { return test::Sketch(viewers_.Export()->rastx1(0).rastx().Image()); }
+
+    Viewers viewers_{surroundings};
+};
+
+TEST_F(ViewersTest, OneOpensTheOtherAndEachOnlyOnce) {
+    EXPECT_EQ(viewers_.Import(), nullptr);
+    viewers_.ShowFormviewImport();
+    FormviewImport* const import = viewers_.Import();
+    QTest::keyClick(import, Qt::Key_F6);
+    EXPECT_EQ(viewers_.Export(), nullptr);
+    QTest::keyClick(import, Qt::Key_F7);
+    ASSERT_NE(viewers_.Export(), nullptr);
+    EXPECT_TRUE(session.ViewExportOpen);
+    QTest::keyClick(viewers_.Export(), Qt::Key_F7);
+    QTest::keyClick(viewers_.Export(), Qt::Key_F6);
+    EXPECT_EQ(viewers_.Import(), import);
+    import->close();
+    EXPECT_EQ(viewers_.Import(), nullptr);
+    QTest::keyClick(viewers_.Export(), Qt::Key_F6);
+    EXPECT_NE(viewers_.Import(), nullptr) << "open again before the closed one is deleted";
+    EXPECT_TRUE(session.ViewImportOpen);
+    viewers_.CloseAll();
+    EXPECT_FALSE(session.ViewImportOpen || session.ViewExportOpen);
+}
+
+TEST_F(ViewersTest, TheExportViewerMirrorsByWayOfTheClipboard) {
+    viewers_.ShowFormviewExport();
+    EXPECT_EQ(Exported(), "RGB");
+    exportPane.SetImage(test::Draw("BB"));
+    EXPECT_EQ(Exported(), "RGB");
+    viewers_.PutviewExport(1);
+    EXPECT_EQ(Exported(), "BB");
+    clipboard.Put(test::Draw("K"));
+    viewers_.Export()->resize(300, 200);
+    EXPECT_EQ(test::Sketch(test::Must(clipboard.Take())), "BB") << "a resize refreshes";
+    exportPane.ClearImage();
+    clipboard.Put(test::Draw("K"));
+    viewers_.PutviewExport(1);
+    EXPECT_EQ(Exported(), "K") << "whatever the clipboard holds";
+}
+
+TEST_F(ViewersTest, PutviewExportReachesTheViewersAskedFor) {
+    viewers_.ShowFormviewImport();
+    viewers_.ShowFormviewExport();
+    Rastx& import = viewers_.Import()->rastx1(0).rastx();
+    struct Row {
+        int which;
+        bool importTold, exportTold;
+    };
+    for (const Row& row : {Row{0, true, false}, Row{1, false, true}, Row{2, true, true}}) {
+        import.ClearImage();
+        viewers_.Export()->rastx1(0).rastx().ClearImage();
+        window.focused = 0;
+        viewers_.PutviewExport(row.which);
+        EXPECT_EQ(import.ImageWidth(), row.importTold ? 2 : 0) << row.which;
+        EXPECT_EQ(Exported(), row.exportTold ? "RGB" : "") << row.which;
+        EXPECT_EQ(window.focused, row.importTold + row.exportTold) << row.which;
+    }
+}
+
+TEST_F(ViewersTest, TheSlideShowOpensItsStage) {
+    viewers_.SlidesToFront();
+    viewers_.StartSlideShow();
+    EXPECT_TRUE(session.SlideRunning);
+    viewers_.StartSlideShow();
+    EXPECT_TRUE(session.SlideRunning) << "one that runs goes on";
+    viewers_.Import()->showMaximized();
+    viewers_.SlidesToFront();
+    EXPECT_FALSE(viewers_.Import()->isMaximized());
+}
+
+}  // namespace
+}  // namespace tessara
