@@ -14,6 +14,6 @@ printf 'BM\x3e\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x02\0\0\0\x01\0\0\0\x01\0\x18\0
 bin/tessara a.emf,b.wmf
 bin/tessara b.wmf,out.bmp
 cmp <(tail -c 8 in.bmp) <(tail -c 8 out.bmp)
-[[ $(ls) == $'a.emf\nb.wmf\nbin\nin.bmp\nlib\nout.bmp' ]] || { ls; exit 1; }
+[[ $(ls) == $'a.emf\nb.wmf\nbin\nin.bmp\nlib\nout.bmp\nshare' ]] || { ls; exit 1; }
 # A conversion loads no toolkit.
 ! ldd bin/tessara | grep -q Qt

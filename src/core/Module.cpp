@@ -2,15 +2,14 @@
 
 #include <dlfcn.h>
 
-#include <filesystem>
+#include "core/ProgramFolders.h"
 
 namespace tessara {
 
 Result<void*> LoadModuleFunction(const std::string& module, const char* function) {
     std::error_code error;
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
     std::string reason;
-    const std::filesystem::path beside = executable.parent_path();
+    const std::filesystem::path beside = ExecutableFolder();
     for (const std::filesystem::path& folder : {beside, beside / TESSARA_MODULE_FROM_BIN}) {
         const std::string path = (folder / ("lib" + module + ".so")).string();
         void* library = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
