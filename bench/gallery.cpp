@@ -3,10 +3,13 @@
 //
 //     tessara_gallery FOLDER [PHOTOGRAPH]
 //
-// One sheet for the photograph (a drawn landscape where none is given), one for a drawing with fine lines,
-// one for a small icon, and a last one, effects.png, with each operation once for the manual. Each row of a
-// sheet is the picture itself, then the operation as named in the list that is printed.
+// One sheet for the photograph (a drawn landscape where none is given), one for a drawing with fine lines
+// and one for a small icon. Each row of a sheet is the picture itself, then the operation as named in the
+// list that is printed. Or the pictures of the manual, one for each effect of the menus:
+//
+//     tessara_gallery --manual help/pictures/effects
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -14,9 +17,13 @@
 
 #include "core/Files.h"
 #include "core/Paths.h"
+#include "core/Text.h"
 #include "core/rastx/Codec.h"
 #include "core/rastx/effects/EffectTable.h"
 #include "core/rastx/effects/Resample.h"
+#include "edit/EffectCatalogue.h"
+#include "edit/EffectParameters.h"
+#include "edit/OwnEffects.h"
 
 namespace {
 
@@ -165,29 +172,6 @@ std::vector<Shown> Everything() {
     return shown;
 }
 
-/// Each effect once, at values that show it.
-std::vector<Shown> ForTheManual() {
-    std::vector<Shown> shown;
-    for (const Effect& effect : EffectTable()) {
-        ArgumentValues values = effect.Usual();
-        for (std::size_t i = 0; i < effect.arguments.size(); ++i) {
-            const Argument& argument = effect.arguments[i];
-            if (argument.kind != ArgumentKind::Color &&
-                argument.usual <= (argument.lowest + argument.highest) / 2)
-                values[i] = std::round((argument.lowest + 2 * argument.highest) / 3);
-        }
-        if (effect.name == "FxColorize") values = {80, 60, 0};
-        if (effect.name == "FxColorBalance") values = {50, 0, -50};
-        if (effect.name == "FxRotate") values = {30, values[1], 0};
-        if (effect.name == "FxBrightness" || effect.name == "FxContrast") values = {35, 0, 0};
-        if (effect.name == "FxShakeUpDown" || effect.name == "FxShakeLeftRight") values = {0.04, 0, 0};
-        if (effect.name == "FxPosterize") values = {2, 0, 0};
-        if (effect.name == "FxAddNoise") values = {30, 0, 0};
-        shown.push_back({&effect, values});
-    }
-    return shown;
-}
-
 void Paste(Picture& sheet, const Picture& picture, int left, int top) {
     for (int y = 0; y < picture.Height(); ++y)
         std::ranges::copy(picture.Row(y), sheet.MutableRow(top + y).begin() + left);
@@ -201,6 +185,78 @@ Picture FitInto(const Picture& picture, int width, int height) {
     return Resample(picture, static_cast<int>(picture.Width() * scale),
                     static_cast<int>(picture.Height() * scale), ResampleQuality::Best)
         .Value();
+}
+
+/// Where an effect shows best with other sliders than most.
+struct ManualChoice {
+    int code;
+    std::array<int, 3> sliders;
+};
+constexpr ManualChoice kManualChoices[] = {
+    {1, {20, 35, 0}},   {10, {0, 2, 0}},     {12, {0, 5, 0}},   {30, {0, 90, 0}},  {107, {0, 30, 0}},
+    {200, {80, 60, 0}}, {204, {50, 0, -50}}, {215, {0, 40, 0}}, {216, {0, 40, 0}}, {219, {0, 100, 0}},
+    {221, {0, 1, 0}},   {222, {0, 1, 0}},    {230, {0, 2, 0}},
+};
+
+/// What the effect dialog is set to for the manual.
+EffectChoice ChoiceForTheManual(const EffectParameters& effect) {
+    const auto row = std::ranges::find(kManualChoices, effect.code, &ManualChoice::code);
+    if (row != std::end(kManualChoices)) return {row->sliders};
+    const EffectSlider slider = effect.Slider();
+    const bool showsFromTheStart = slider.Value > (slider.Min + slider.Max) / 4;
+    const int value = showsFromTheStart ? slider.Value : (slider.Min + 2 * slider.Max) / 3;
+    return {{value, value, value}};
+}
+
+Picture ForTheManual(const EffectEntry& entry, const Picture& picture) {
+    Rastx pane;
+    pane.SetImage(picture);
+    if (entry.kind != EffectKind::Dialog) {
+        const double argument = entry.kind == EffectKind::AskColor ? RGB(255, 255, 255) : entry.argument;
+        Ignore(pane.Run(*FindEffect(entry.operation), {argument, double(RGB(255, 255, 255))}));
+        return pane.Image();
+    }
+    const EffectParameters& effect = *FindEffectParameters(entry.code);
+    const EffectChoice choice = ChoiceForTheManual(effect);
+    if (!effect.IsOwnEffect()) {
+        RunPaneEffect(effect, choice, pane);
+        return pane.Image();
+    }
+    Picture target = picture;
+    OwnEffects(picture, target, {}).ApplyOwnEffect(effect.code, choice.sliders[1] / effect.divisor, [] {});
+    return target;
+}
+
+/// "Ripple : Sine" as "ripple-sine".
+std::string FileNameOf(std::string_view caption) {
+    std::string name;
+    for (const char c : EffectCaptionOf(caption)) {
+        if (std::isalnum(static_cast<unsigned char>(c)))
+            name += LowerCase(c);
+        else if (!name.empty() && name.back() != '-')
+            name += '-';
+    }
+    name.erase(name.find_last_not_of('-') + 1);
+    return name;
+}
+
+/// A picture of every effect that the menus show, and one of the picture that they start from.
+bool WriteForTheManual(const std::string& folder, const Picture& picture) {
+    const Codec* jpg = FindCodec({}, "jpg");
+    const auto write = [&](const std::string& name, const Picture& shown) {
+        return ReplaceFile(folder + "/" + name + ".jpg",
+                           [&](ByteSink& sink) { return jpg->encode(shown, {.quality = 90}, sink); })
+            .Ok();
+    };
+    bool written = write("original", picture);
+    for (const EffectEntry& entry : EffectEntries()) {
+        const bool changes = entry.kind == EffectKind::Direct || entry.kind == EffectKind::AskColor ||
+                             entry.kind == EffectKind::Dialog;
+        if (!changes || !entry.visible) continue;
+        written &= write(FileNameOf(entry.caption),
+                         FitInto(ForTheManual(entry, picture), picture.Width(), picture.Height()));
+    }
+    return written;
 }
 
 bool WriteSheet(const std::string& path, const Picture& picture, const std::vector<Shown>& shown, int columns,
@@ -231,11 +287,13 @@ Result<Picture> Load(const std::string& path) {
 
 int main(int argc, char** argv) {
     if (argc < 2) {
-        std::fprintf(stderr, "usage: tessara_gallery FOLDER [PHOTOGRAPH]\n");
+        std::fprintf(stderr, "usage: tessara_gallery FOLDER [PHOTOGRAPH] or --manual FOLDER\n");
         return 2;
     }
     const std::string folder = argv[1];
     const Picture landscape = Landscape();
+    if (folder == "--manual" && argc > 2)
+        return WriteForTheManual(argv[2], FitInto(landscape, 120, 80)) ? 0 : 1;
     const Result<Picture> photo = argc > 2 ? Load(argv[2]) : Result<Picture>(landscape);
     if (!photo) {
         std::fprintf(stderr, "%s: %s\n", argv[2], photo.Error().message.c_str());
@@ -245,7 +303,6 @@ int main(int argc, char** argv) {
     const bool written =
         WriteSheet(folder + "/photograph.png", fitted, Everything(), 6, fitted.Width(), fitted.Height()) &&
         WriteSheet(folder + "/drawing.png", Drawing(), Everything(), 6, 300, 200) &&
-        WriteSheet(folder + "/icon.png", Icon(), Everything(), 12, 36, 36) &&
-        WriteSheet(folder + "/effects.png", FitInto(landscape, 105, 70), ForTheManual(), 8, 105, 70);
+        WriteSheet(folder + "/icon.png", Icon(), Everything(), 12, 36, 36);
     return written ? 0 : 1;
 }
