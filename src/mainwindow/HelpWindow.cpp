@@ -1,0 +1,146 @@
+#include "mainwindow/HelpWindow.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QShortcut>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <QWindow>
+
+#include "artwork/Artwork.h"
+#include "desktop/PathText.h"
+#include "mainwindow/Product.h"
+
+namespace tessara {
+namespace {
+
+constexpr QSize kSize(1000, 740);
+constexpr int kSideWidth = 260;
+constexpr int kStripHeight = 22;
+
+enum Tool { kBack, kForward, kHome, kZoomOut, kZoomIn };
+
+struct HelpTool {
+    const char* drawing;
+    const char* tooltip;
+    int left;  ///< pixels
+};
+constexpr HelpTool kTools[] = {
+    {"previous", "Back", 16},      {"next", "Forward", 39},     {"home", "First Page", 62},
+    {"zoom-out", "Zoom out", 101}, {"zoom-in", "Zoom in", 124},
+};
+
+}  // namespace
+
+HelpWindow::HelpWindow(const std::string& folder)
+    : available_(QFileInfo(ShownText(folder + "/" + kFirstHelpPage)).isFile()),
+      tools_(new ToolStrip({1, 6, 11}, this)),
+      sides_(new QTabWidget),
+      page_(new HelpPage(ShownText(folder), this)) {
+    setObjectName(QStringLiteral("HelpWindow"));
+    setWindowTitle(QLatin1String(kProductCaption) + QLatin1String("Help"));
+    setWindowIcon(Artwork("tessara"));
+    setAttribute(Qt::WA_QuitOnClose, false);  // the program ends without it
+    const HelpTable table = ReadHelpTable(ShownText(folder));
+    contents_ = new HelpContents(table.contents, sides_);
+    index_ = new HelpIndex(table.index, sides_);
+    LayOut();
+    AddTools();
+    AddKeys();
+    connect(contents_, &HelpContents::TopicChosen, page_, &HelpPage::Open);
+    connect(index_, &HelpIndex::TopicChosen, page_, &HelpPage::Open);
+    connect(page_, &QTextBrowser::sourceChanged, this,
+            [this](const QUrl& address) { contents_->ShowTopic(HelpPage::TopicOf(address)); });
+}
+
+void HelpWindow::LayOut() {
+    sides_->addTab(contents_, QStringLiteral("&Contents"));
+    sides_->addTab(index_, QStringLiteral("&Index"));
+    sides_->setDocumentMode(true);
+    auto* split = new QSplitter;
+    split->addWidget(sides_);
+    split->addWidget(page_);
+    split->setStretchFactor(1, 1);
+    split->setSizes({kSideWidth, kSize.width() - kSideWidth});
+    split->setChildrenCollapsible(false);
+    tools_->setFixedHeight(kStripHeight);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    layout->addWidget(tools_);
+    layout->addWidget(split, 1);
+    resize(kSize.boundedTo(screen()->availableSize()));
+}
+
+void HelpWindow::AddTools() {
+    for (const HelpTool& tool : kTools) tools_->AddTool(tool.drawing, QLatin1String(tool.tooltip), tool.left);
+    const auto action = [this](Tool tool) {
+        switch (tool) {
+            case kBack:
+                return page_->backward();
+            case kForward:
+                return page_->forward();
+            case kHome:
+                return page_->Open(QLatin1String(kFirstHelpPage));
+            case kZoomOut:
+                return page_->Zoom(-1);
+            case kZoomIn:
+                return page_->Zoom(1);
+        }
+    };
+    connect(tools_, &ToolStrip::Imagetool_Click, this, [action](int tool) { action(Tool(tool)); });
+    connect(tools_, &ToolStrip::BackMouseMove, tools_, &ToolStrip::EndHover);
+    connect(page_, &QTextBrowser::backwardAvailable, this,
+            [this](bool available) { tools_->SetImageTool(kBack, available); });
+    connect(page_, &QTextBrowser::forwardAvailable, this,
+            [this](bool available) { tools_->SetImageTool(kForward, available); });
+    tools_->SetImageTool(kBack, false);
+    tools_->SetImageTool(kForward, false);
+}
+
+void HelpWindow::AddKeys() {
+    const auto add = [this](const QKeySequence& keys, auto action) {
+        connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
+    };
+    add(QKeySequence::Back, [this] { page_->backward(); });
+    add(QKeySequence::Forward, [this] { page_->forward(); });
+    add(Qt::ALT | Qt::Key_Home, [this] { page_->Open(QLatin1String(kFirstHelpPage)); });
+    add(QKeySequence::ZoomIn, [this] { page_->Zoom(1); });
+    add(QKeySequence::ZoomOut, [this] { page_->Zoom(-1); });
+    add(Qt::CTRL | Qt::Key_0, [this] { page_->ResetZoom(); });
+    add(Qt::Key_Escape, [this] { close(); });
+}
+
+void HelpWindow::DisplayIndex(const std::string& page) {
+    ShowOn(index_, page);
+}
+
+void HelpWindow::DisplayContents(const std::string& page) {
+    ShowOn(contents_, page);
+}
+
+void HelpWindow::ShowOn(QWidget* side, const std::string& page) {
+    sides_->setCurrentWidget(side);
+    DisplayTopic(page);
+}
+
+void HelpWindow::DisplayTopic(const std::string& topic) {
+    if (!available_) return;
+    page_->Open(ShownText(topic));
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    page_->setFocus();
+}
+
+bool HelpWindow::event(QEvent* event) {
+    // A modal dialog blocks all windows but those that belong to it. This one is there to explain the dialog.
+    if (event->type() == QEvent::WindowBlocked && windowHandle())
+        windowHandle()->setTransientParent(QGuiApplication::modalWindow());
+    return QWidget::event(event);
+}
+
+}  // namespace tessara
