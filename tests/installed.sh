@@ -15,5 +15,6 @@ bin/tessara a.emf,b.wmf
 bin/tessara b.wmf,out.bmp
 cmp <(tail -c 8 in.bmp) <(tail -c 8 out.bmp)
 [[ $(ls) == $'a.emf\nb.wmf\nbin\nin.bmp\nlib\nout.bmp\nshare' ]] || { ls; exit 1; }
+[[ -f share/tessara/help/1-1.htm ]]
 # A conversion loads no toolkit.
 ! ldd bin/tessara | grep -q Qt
