@@ -63,7 +63,7 @@ void RastxPane::RastxChanged() {
     viewport()->update();
     if (revision_ == rastx_.Revision()) return;
     revision_ = rastx_.Revision();
-    if (rastx_.Image().Empty()) middle_ = {0.5, 0.5};
+    if (rastx_.ImageWidth() == 0) middle_ = {0.5, 0.5};
     UpdateScrollBars();
     Q_EMIT ImageChanged();
 }

@@ -212,6 +212,7 @@ TEST_F(RastxPaneTest, AZoomedPictureShowsWhatItHolds) {
         Ignore(pane_.rastx().Resample(900, 600, true));
         pane_.horizontalScrollBar()->setValue(333);
         const QImage partly = pane_.grab().toImage();
+        EXPECT_TRUE(pane_.rastx().ImagePutOff());
         pane_.rastx().SetImage(pane_.rastx().Image());
         EXPECT_EQ(partly, pane_.grab().toImage());
     }
