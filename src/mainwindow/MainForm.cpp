@@ -35,6 +35,7 @@ void Apply(QWidget* control, const Face& face) {
 MainForm::MainForm(Session& session, const DesktopServices& services)
     : session_(session),
       services_(services),
+      help_(session, services.help),
       client_(new QWidget(this)),
       toolbar_(new Toolbar(session, client_)),
       FrameS_(new QWidget(client_)) {
@@ -73,6 +74,9 @@ void MainForm::MakeEditing() {
     convert_ = std::make_unique<ConvertButtons>(
         ConvertButtons::Surroundings{session_, services_.prompts, [this] { Loaddialog1(); },
                                      [this] { Convert(); }, [this] { workingImage_->Reload(); }});
+    viewers_ = std::make_unique<Viewers>(ViewSurroundings{*editor_, importPane, *selection_, *this,
+                                                          services_.prompts, services_.clock,
+                                                          services_.random, *this});
     capture_ = std::make_unique<ScreenCapture>(ScreenCapture::Surroundings{
         *editor_, importPane, services_.screen, services_.clock, services_.prompts, *this, captureWindow_});
 }
@@ -94,6 +98,7 @@ void MainForm::ConnectPanes() {
 void MainForm::ConnectMenus() {
     connect(menus_->Menu("mnFile"), &QMenu::aboutToShow, this, &MainForm::SetmnFile);
     connect(menus_->Menu("mnEdit"), &QMenu::aboutToShow, this, &MainForm::CheckPaste);
+    connect(toolbar_, &Toolbar::SlidesToFront, viewers_.get(), &Viewers::SlidesToFront);
     services_.clipboard.Changed = [this] { CheckPaste(); };
 }
 

@@ -30,10 +30,12 @@
 #include "mainwindow/ConvertButtons.h"
 #include "mainwindow/DragBar.h"
 #include "mainwindow/FaceLayout.h"
+#include "mainwindow/Help.h"
 #include "mainwindow/MainMenu.h"
 #include "mainwindow/PanelBar.h"
 #include "mainwindow/Toolbar.h"
 #include "settings/dialogs/OptionsHost.h"
+#include "view/Viewers.h"
 
 namespace tessara {
 
@@ -46,6 +48,7 @@ struct DesktopServices {
     Clock& clock;
     RandomSource& random;
     LinkOpener& links;
+    HelpViewer& help;
 };
 
 /// The main window: owns the panes and every component of browsing and editing, places them, and is what each
@@ -56,6 +59,7 @@ class MainForm final : public QMainWindow,
                        public EditHost,
                        public SelectionHost,
                        public CaptureHost,
+                       public ViewHost,
                        public OptionsHost {
     Q_OBJECT
   public:
@@ -123,6 +127,14 @@ class MainForm final : public QMainWindow,
     bool ConfirmDiscardExport() override;
     void UpdateImportLabels() override;
 
+    // What the viewers need.
+    int ItemCount() const override { return list_->RowCount(); }
+    int SelectedItem() const override { return list_->SelectedRow() + 1; }
+    std::string ItemKey(int item) const override { return list_->KeyOf(item - 1); }
+    void MakeItemVisible(int item) override;
+    void RemoveItem(int item) override;
+    void FocusMainWindow() override { activateWindow(); }
+
     // What the options need.
     void EnterFolder(const std::string& folder) override;
     void PrintNote() override;
@@ -156,6 +168,7 @@ class MainForm final : public QMainWindow,
     // Commands.
     void MenuClick(const std::string& array, int index);
     void mTransform_Click(int Index);
+    void mHelp_Click(int Index);
     void mnOptions_Click();
     void Loaddialog1();
     void LoadDialog2();
@@ -182,6 +195,8 @@ class MainForm final : public QMainWindow,
     std::unique_ptr<EffectCommands> effects_;
     std::unique_ptr<SelectionClipboard> selection_;
     std::unique_ptr<ConvertButtons> convert_;
+    std::unique_ptr<Viewers> viewers_;
+    Help help_;
     FormIcoRealSize captureWindow_;
     std::unique_ptr<ScreenCapture> capture_;
     Dialog2* Dialog2_ = nullptr;  ///< while it is on screen

@@ -1,6 +1,7 @@
 #include "edit/EffectCatalogue.h"
 #include "edit/dialogs/DialogTrcol.h"
 #include "mainwindow/Dialogprogress.h"
+#include "mainwindow/InformationDialogs.h"
 #include "mainwindow/ListedFiles.h"
 #include "mainwindow/MainForm.h"
 #include "settings/dialogs/Dialog1.h"
@@ -14,6 +15,7 @@ void MainForm::MenuClick(const std::string& array, int index) {
     if (array == "mFile") return fileCommands_->mFile_Click(index);
     if (array == "mEdit") return selection_->mEdit_Click(index);
     if (array == "mnOptions") return mnOptions_Click();
+    if (array == "mHelp") return mHelp_Click(index);
     if (array == "mTransform") return mTransform_Click(index);
     if (FindEffectEntry(array, index) != nullptr) return effects_->Click(array, index);
 }
@@ -56,6 +58,27 @@ void MainForm::mTransform_Click(int Index) {
     convert_->CommandCon_Click(0);
 }
 
+void MainForm::mHelp_Click(int Index) {
+    capture_->EndCapture();
+    const OpenLinkFunction open = [this](const std::string& target, const std::string& kind) {
+        services_.links.OpenLink(target, kind);
+    };
+    switch (Index) {
+        case 0:
+            return help_.RunHtmlHelp("2-1.htm");
+        case 2:
+            return static_cast<void>(FrmHomePage(open, this).exec());
+        case 3:
+            return static_cast<void>(DialogProd(open, this).exec());
+        case 4:
+            return open(kNewsletterAddress, "WEB");
+        case 5:
+            return static_cast<void>(ServicesForm(open, this).exec());
+        case 9:
+            return static_cast<void>(AboutForm(open, this).exec());
+    }
+}
+
 void MainForm::mnOptions_Click() {
     session_.OptionsFromConvert = false;
     Loaddialog1();
@@ -65,9 +88,9 @@ void MainForm::Loaddialog1() {
     const ConvertOptions before = session_.ConvertOptions;
     Dialog1(session_, services_.prompts, *this, this).Loaddialog1();
     const ConvertOptions& after = session_.ConvertOptions;
-    const bool listsOthers =
-        after.ListAllFiles != before.ListAllFiles || after.ListImportOnly != before.ListImportOnly ||
-        (after.ListImportOnly && after.ImportOn != before.ImportOn);
+    const bool listsOthers = after.ListAllFiles != before.ListAllFiles ||
+                             after.ListImportOnly != before.ListImportOnly ||
+                             (after.ListImportOnly && after.ImportOn != before.ImportOn);
     // A conversion that follows needs the files and the picture as they are.
     const bool converts = session_.OptionsFromConvert && session_.ConvertConfirmed;
     if (listsOthers && !converts) list_->FileViewFile_PathChange();

@@ -5,6 +5,7 @@
 #include "core/Text.h"
 #include "desktop/PathText.h"
 #include "mainwindow/MainForm.h"
+#include "view/DialogSlideOpt.h"
 
 // What the components ask of the window.
 
@@ -197,6 +198,39 @@ void MainForm::UpdateImportLabels() {
     SetImportToolTip(kSelectToolTip);
 }
 
+void MainForm::RunHtmlHelp(const std::string& topic) {
+    help_.RunHtmlHelp(topic);
+}
+
+void MainForm::RefreshViewers(int which) {
+    viewers_->PutviewExport(which);
+}
+
+void MainForm::OpenImportViewer() {
+    viewers_->ShowFormviewImport();
+}
+
+void MainForm::OpenExportViewer() {
+    viewers_->ShowFormviewExport();
+}
+
+void MainForm::StartSlideShow() {
+    viewers_->StartSlideShow();
+}
+
+void MainForm::MakeItemVisible(int item) {
+    QTreeWidget* table = list_->ListViewFile();
+    table->scrollToItem(table->topLevelItem(item - 1));
+}
+
+void MainForm::RemoveItem(int item) {
+    delete list_->ListViewFile()->takeTopLevelItem(item - 1);
+}
+
+void MainForm::ShowDialogSlideOpt() {
+    DialogSlideOpt(session_, services_.prompts, this).exec();
+}
+
 void MainForm::PrintNote() {
     summary_->PrintNote();
 }
@@ -205,13 +239,6 @@ std::string MainForm::SelectedFile() const {
     const int row = list_->SelectedRow();
     return row < 0 ? std::string() : list_->KeyOf(row);
 }
-
-void MainForm::ShowDialogSlideOpt() {}
-void MainForm::RunHtmlHelp(const std::string&) {}
-void MainForm::RefreshViewers(int) {}
-void MainForm::OpenImportViewer() {}
-void MainForm::OpenExportViewer() {}
-void MainForm::StartSlideShow() {}
 
 ColorNumber MainForm::BackColor() const {
     const QColor color = palette().color(QPalette::Window);

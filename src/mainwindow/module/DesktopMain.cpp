@@ -3,12 +3,14 @@
 #include <cstdlib>
 
 #include "artwork/Artwork.h"
+#include "core/ProgramFolders.h"
 #include "desktop/AppFolder.h"
 #include "desktop/ClipboardCarrier.h"
 #include "desktop/DesktopScreen.h"
 #include "desktop/DesktopShell.h"
 #include "desktop/QtPrompts.h"
 #include "desktop/SingleInstance.h"
+#include "mainwindow/HelpWindow.h"
 #include "mainwindow/MainForm.h"
 
 namespace tessara {
@@ -34,7 +36,8 @@ void RunDesktop() {
     SystemClock clock;
     SystemRandom random;
     DesktopLinkOpener links;
-    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links});
+    HelpWindow help(HelpFolder());
+    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links, help});
     if (form.Form_Load()) QApplication::exec();
 }
 
