@@ -42,6 +42,10 @@ void SelectionClipboard::mEdit_Click(int Index) {
             CaptureEntireScreen();
             break;
     }
+    ShowImportSize();
+}
+
+void SelectionClipboard::ShowImportSize() {
     host_.SetLabelPict("Size : " + std::to_string(importPane_.ImageWidth()) + " x " +
                        std::to_string(importPane_.ImageHeight()));
     host_.SetImportToolTip(kSelectToolTip);
@@ -89,9 +93,13 @@ bool SelectionClipboard::CopyWholeImport() {
 void SelectionClipboard::CaptureEntireScreen() {
     if (!ConfirmDiscardExport()) return;
     editor_.undo.UndoCommand("SAVE");
-    Ignore(importPane_.CaptureScreen());
-    Ignore(editor_.exportPane.CaptureScreen());
-    editor_.host.PutviewExport(2);
+    // One look at the screen serves both panes: some desktops ask the user each time.
+    if (importPane_.CaptureScreen()) {
+        editor_.exportPane.SetImage(importPane_.Image());
+        importPane_.ClearSelect();
+        host_.Setvalid(true);
+        editor_.host.PutviewExport(2);
+    }
     editor_.session.UndoPending = true;
 }
 

@@ -28,6 +28,8 @@ class SelectionClipboard {
 
     bool ConfirmDiscardExport() { return tessara::ConfirmDiscardExport(editor_.session, prompts_); }
     void mEdit_Click(int Index);
+    /// LabelPict and the import pane's tooltip, for a picture that has just come into both panes.
+    void ShowImportSize();
     /// Paste is possible while the clipboard holds a bitmap: to be asked at each paint and before the menu.
     void CheckPaste(bool clipboardHoldsBitmap);
 

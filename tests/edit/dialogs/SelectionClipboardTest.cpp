@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "desktop/Screen.h"
 #include "tests/edit/RecordingEditHost.h"
 
 namespace tessara {
@@ -28,13 +29,17 @@ class SelectionClipboardTest : public testing::Test {
   protected:
     test::RecordedEditor recorded_{test::PhotoLike(4, 3)};
     Session& session_ = recorded_.session;
-    const Picture screen_ = test::PhotoLike(64, 48);
-    Rastx import_{{.carrier = &recorded_.clipboard, .captureScreen = [this] { return screen_; }}};
+    ScriptedScreen screen_;
+    Rastx import_{
+        {.carrier = &recorded_.clipboard, .captureScreen = [this] { return screen_.CaptureAll(); }}};
     ScriptedPrompts prompts_;
     RecordingSelectionHost host_;
     SelectionClipboard selection_{recorded_.editor, import_, prompts_, host_};
 
-    SelectionClipboardTest() { import_.SetImage(test::PhotoLike(40, 30)); }
+    SelectionClipboardTest() {
+        import_.SetImage(test::PhotoLike(40, 30));
+        screen_.desktop = test::PhotoLike(64, 48);
+    }
 
     /// What the mouse does when it is pressed at one place and released at another.
     void Drag(int left, int top, int right, int bottom) {
