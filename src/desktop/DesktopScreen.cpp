@@ -2,11 +2,13 @@
 
 #include <QCursor>
 #include <QDBusConnection>
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QTimer>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -16,6 +18,8 @@
 
 namespace tessara {
 namespace {
+
+constexpr int kSettleTime = 250;  ///< milliseconds
 
 /// A monitor's place on the desktop in the screen's own pixels. The toolkit scales its size, not its corner,
 /// and rounds: the last column and row may not be there.
@@ -63,10 +67,19 @@ Result<Picture> Drawn(const QRect& rectangle, const Draw& draw) {
     return PictureOf(image);
 }
 
+/// Lets a menu or dialog that has just been closed disappear: what was below it is drawn by events, and put
+/// on the screen by a compositor that may fade.
+void Settle(int milliseconds) {
+    QEventLoop events;
+    QTimer::singleShot(milliseconds, &events, &QEventLoop::quit);
+    events.exec(QEventLoop::ExcludeUserInputEvents);
+}
+
 /// A screen that may be read at any time, as X11's.
 class OpenScreen final : public Screen {
   public:
     Result<Picture> CaptureAll() override {
+        if (QGuiApplication::platformName() == QLatin1String("xcb")) Settle(kSettleTime);
         // Whole monitors tell their true sizes.
         std::vector<std::pair<QPoint, QImage>> monitors;
         QRect whole;
