@@ -124,8 +124,7 @@ class MainForm final : public QMainWindow,
     Qt::WindowStates WindowState() const override { return windowState(); }
     void SetWindowState(Qt::WindowStates states) override;
     void SetCapturePicture(PictureState picture) override;
-    bool ConfirmDiscardExport() override;
-    void UpdateImportLabels() override;
+    void ShowImportSize() override { selection_->ShowImportSize(); }
 
     // What the viewers need.
     int ItemCount() const override { return list_->RowCount(); }

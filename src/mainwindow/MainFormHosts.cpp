@@ -147,6 +147,7 @@ void MainForm::PutviewExport(int which) {
 }
 
 void MainForm::SetObjFalse() {
+    capture_->TimerGrasp().SetEnabled(false);
     for (int index : {0, 1, 2, 4}) menus_->SetEnabled("mTransform", index, false);
     for (int index : {3, 4, 5, 12}) toolbar_->SetImageTool(index, false);
 }
@@ -186,16 +187,6 @@ void MainForm::SetWindowState(Qt::WindowStates states) {
 
 void MainForm::SetCapturePicture(PictureState picture) {
     toolbar_->Imagetool(kCaptureTool)->SetPicture(picture);
-}
-
-bool MainForm::ConfirmDiscardExport() {
-    return selection_->ConfirmDiscardExport();
-}
-
-void MainForm::UpdateImportLabels() {
-    const Rastx& pane = rastx1(0).rastx();
-    SetLabelPict("Size : " + std::to_string(pane.ImageWidth()) + " x " + std::to_string(pane.ImageHeight()));
-    SetImportToolTip(kSelectToolTip);
 }
 
 void MainForm::RunHtmlHelp(const std::string& topic) {

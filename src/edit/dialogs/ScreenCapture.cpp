@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/Numbers.h"
+#include "edit/dialogs/SelectionClipboard.h"
 
 namespace tessara {
 namespace {
@@ -30,17 +31,6 @@ void ScreenCapture::CaptureTool_Click() {
     ++CaptureHintCount_;
     session().CaptureMode = true;
     StartCapture();
-    session().UndoPending = true;
-}
-
-void ScreenCapture::CaptureEntireScreen() {
-    if (!surroundings_.host.ConfirmDiscardExport()) return;
-    surroundings_.editor.undo.UndoCommand("SAVE");
-    // One look at the screen serves both panes: some desktops ask the user each time.
-    if (surroundings_.importPane.CaptureScreen()) {
-        surroundings_.editor.exportPane.SetImage(surroundings_.importPane.Image());
-        BothPanesChanged();
-    }
     session().UndoPending = true;
 }
 
@@ -126,7 +116,7 @@ void ScreenCapture::Grasp() {
     const bool paste = surroundings_.prompts.Ask({"Paste the image captured?", PromptButtons::YesNo,
                                                   PromptIcon::Question}) == Answer::Yes;
     StopCapture(true);
-    if (paste && !surroundings_.host.ConfirmDiscardExport()) {
+    if (paste && !ConfirmDiscardExport(session(), surroundings_.prompts)) {
         // The main window stays minimised until the user restores it.
         CloseWindow();
         return;
@@ -134,9 +124,12 @@ void ScreenCapture::Grasp() {
     if (paste) {
         GraspBusy_ = true;
         GetGraspPict();
-        BothPanesChanged();
+        surroundings_.host.Setvalid(true);
         session().ImagePath.clear();
         session().ExportChanged = false;
+        surroundings_.importPane.ClearSelect();
+        surroundings_.editor.host.PutviewExport(2);
+        surroundings_.host.ShowImportSize();
     }
     CloseWindow();
     surroundings_.host.SetWindowState(SavedWindowState_);
@@ -152,13 +145,6 @@ void ScreenCapture::GetGraspPict() {
         if (!saved || !pane->LoadImage(scratch)) pane->SetImage(Picture1_);
     surroundings_.window.Unload();
     GraspBusy_ = false;
-}
-
-void ScreenCapture::BothPanesChanged() {
-    surroundings_.importPane.ClearSelect();
-    surroundings_.host.Setvalid(true);
-    surroundings_.editor.host.PutviewExport(2);
-    surroundings_.host.UpdateImportLabels();
 }
 
 void ScreenCapture::WindowClosed() {

@@ -22,10 +22,8 @@ class CaptureHost {
     /// The picture of the toolbar's button 11.
     virtual void SetCapturePicture(PictureState picture) = 0;
     virtual void Setvalid(bool valid) = 0;
-    /// False where the user wants to keep a changed export picture.
-    virtual bool ConfirmDiscardExport() = 0;
-    /// LabelPict and the import pane's tooltip, as after every command of the copy menu.
-    virtual void UpdateImportLabels() = 0;
+    /// LabelPict and the import pane's tooltip, for a picture that has just come into both panes.
+    virtual void ShowImportSize() = 0;
 };
 
 /// The window that shows what will be taken.
@@ -47,7 +45,7 @@ class CaptureWindow {
     virtual void Unload() = 0;
 };
 
-/// Takes the part of the screen around the pointer, or all of it, into both panes.
+/// Takes the part of the screen around the pointer into both panes.
 class ScreenCapture {
   public:
     struct Surroundings {
@@ -64,8 +62,6 @@ class ScreenCapture {
 
     /// The toolbar's button 11, and entry 5 of the copy menu.
     void CaptureTool_Click();
-    /// Entry 6 of the copy menu: all monitors.
-    void CaptureEntireScreen();
     /// What every other command does on its way in. Leaves the main window as it is.
     void EndCapture();
     /// What the main window does with a key of the toolkit, beside the shortcuts of its menus.
@@ -84,7 +80,6 @@ class ScreenCapture {
     /// Asks whether the picture shown is to be taken, and ends the capture.
     void Grasp();
     void GetGraspPict();
-    void BothPanesChanged();
     void WindowClosed();
     void CloseWindow();
     QSize CaptureSize() const;

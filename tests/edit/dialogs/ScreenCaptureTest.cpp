@@ -26,7 +26,6 @@ struct RecordingCaptureHost final : CaptureHost {
     Qt::WindowStates state = Qt::WindowMaximized;
     std::string button;  ///< its pictures in order: Hover, Normal
     bool valid = false;
-    bool mayDiscard = true;
     int labelUpdates = 0;
 
     Qt::WindowStates WindowState() const override { return state; }
@@ -35,8 +34,7 @@ struct RecordingCaptureHost final : CaptureHost {
         button += picture == PictureState::Hover ? 'H' : 'N';
     }
     void Setvalid(bool on) override { valid = on; }
-    bool ConfirmDiscardExport() override { return mayDiscard; }
-    void UpdateImportLabels() override { ++labelUpdates; }
+    void ShowImportSize() override { ++labelUpdates; }
 };
 
 /// Panes that hold "K" each before a desktop of six by four.
@@ -49,7 +47,7 @@ class ScreenCaptureTest : public testing::Test {
     ScriptedPrompts prompts_;
     RecordingWindow window_;
     RecordingCaptureHost host_;
-    Rastx import_{{.captureScreen = [this] { return screen_.CaptureAll(); }}};
+    Rastx import_;
     ScreenCapture capture_{{edit_.editor, import_, screen_, clock_, prompts_, host_, window_}};
 
     ScreenCaptureTest() {
@@ -58,7 +56,6 @@ class ScreenCaptureTest : public testing::Test {
         screen_.cursor = {2, 2};
         session_.CaptureWidth = session_.CaptureHeight = 2;
         session_.ImagePath = "/pictures/a.bmp";
-        session_.ExportChanged = true;
     }
     void Start() {
         prompts_.answers.push_front(Answer::Ok);
@@ -68,8 +65,8 @@ class ScreenCaptureTest : public testing::Test {
     }
     void Tick(int ticks = 1) { clock_.Advance(50 * ticks); }
     /// Presses Ctrl in a running capture.
-    void Take(Answer answer) {
-        prompts_.answers = {answer};
+    void Take(std::deque<Answer> answers) {
+        prompts_.answers = std::move(answers);
         screen_.controlKeyDown = true;
         Tick();
     }
@@ -140,7 +137,7 @@ TEST_F(ScreenCaptureTest, TakesWhatLiesAroundThePointer) {
         session_.ExportChanged = true;
         screen_.controlKeyDown = false;
         Start();
-        Take(Answer::Yes);
+        Take({Answer::Yes, Answer::Yes});
         EXPECT_EQ(Panes(), std::string(row.taken) + "|" + row.taken);
         Rastx scratch;
         test::Must(scratch.LoadImage(edit_.folder.File("QuillonCapture.bmp")));
@@ -168,13 +165,13 @@ TEST_F(ScreenCaptureTest, TakesThePictureThatWasShown) {
 TEST_F(ScreenCaptureTest, AScratchFileThatCannotBeWrittenIsNotNeeded) {
     session_.AppPath += "/missing";
     Start();
-    Take(Answer::Yes);
+    Take({Answer::Yes});
     EXPECT_EQ(Panes(), "78 CM|78 CM");
 }
 
 TEST_F(ScreenCaptureTest, NoLeavesThePanesAndRestoresTheWindow) {
     Start();
-    Take(Answer::No);
+    Take({Answer::No});
     ASSERT_EQ(prompts_.asked.size(), 1u);
     EXPECT_EQ(prompts_.asked[0].text, "Paste the image captured?");
     EXPECT_EQ(prompts_.beeps, 1);
@@ -186,9 +183,10 @@ TEST_F(ScreenCaptureTest, NoLeavesThePanesAndRestoresTheWindow) {
 }
 
 TEST_F(ScreenCaptureTest, AKeptExportPictureLeavesTheWindowMinimised) {
-    host_.mayDiscard = false;
+    session_.ExportChanged = true;
     Start();
-    Take(Answer::Yes);
+    Take({Answer::Yes, Answer::No});
+    ASSERT_EQ(prompts_.asked.size(), 2u);
     EXPECT_EQ(Panes(), "K|K");
     EXPECT_TRUE(session_.ExportChanged);
     EXPECT_EQ(session_.ImagePath, "/pictures/a.bmp");
@@ -277,24 +275,6 @@ TEST_F(ScreenCaptureTest, NothingIsTakenWhileTheDesktopIsAsked) {
     EXPECT_EQ(waiting.behind.captures, 1);
     EXPECT_EQ(host_.state, Qt::WindowMaximized);
     EXPECT_FALSE(session_.CaptureMode);
-}
-
-TEST_F(ScreenCaptureTest, TheEntireScreenGoesIntoBothPanes) {
-    const std::string desktop = test::Sketch(screen_.desktop);
-    host_.mayDiscard = false;
-    capture_.CaptureEntireScreen();
-    EXPECT_EQ(Panes(), "K|K");
-    EXPECT_EQ(session_.UndoPosition, 0);
-    host_.mayDiscard = true;
-    capture_.CaptureEntireScreen();
-    EXPECT_EQ(Panes(), desktop + "|" + desktop);
-    EXPECT_EQ(screen_.captures, 1);
-    EXPECT_TRUE(host_.valid);
-    EXPECT_EQ(session_.UndoPosition, 1);
-    EXPECT_TRUE(session_.UndoPending);
-    screen_.desktop = {};
-    capture_.CaptureEntireScreen();
-    EXPECT_EQ(Panes(), desktop + "|" + desktop) << "without a screen";
 }
 
 }  // namespace
