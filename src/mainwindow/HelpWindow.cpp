@@ -26,10 +26,14 @@ struct HelpTool {
     const char* drawing;
     const char* tooltip;
     int left;  ///< pixels
+    void (*action)(HelpPage& page);
 };
 constexpr HelpTool kTools[] = {
-    {"previous", "Back", 16},      {"next", "Forward", 39},     {"home", "First Page", 62},
-    {"zoom-out", "Zoom out", 101}, {"zoom-in", "Zoom in", 124},
+    {"previous", "Back", 16, [](HelpPage& page) { page.backward(); }},
+    {"next", "Forward", 39, [](HelpPage& page) { page.forward(); }},
+    {"home", "First Page", 62, [](HelpPage& page) { page.Open(QLatin1String(kFirstHelpPage)); }},
+    {"zoom-out", "Zoom out", 101, [](HelpPage& page) { page.Zoom(-1); }},
+    {"zoom-in", "Zoom in", 124, [](HelpPage& page) { page.Zoom(1); }},
 };
 
 }  // namespace
@@ -76,21 +80,7 @@ void HelpWindow::LayOut() {
 
 void HelpWindow::AddTools() {
     for (const HelpTool& tool : kTools) tools_->AddTool(tool.drawing, QLatin1String(tool.tooltip), tool.left);
-    const auto action = [this](Tool tool) {
-        switch (tool) {
-            case kBack:
-                return page_->backward();
-            case kForward:
-                return page_->forward();
-            case kHome:
-                return page_->Open(QLatin1String(kFirstHelpPage));
-            case kZoomOut:
-                return page_->Zoom(-1);
-            case kZoomIn:
-                return page_->Zoom(1);
-        }
-    };
-    connect(tools_, &ToolStrip::Imagetool_Click, this, [action](int tool) { action(Tool(tool)); });
+    connect(tools_, &ToolStrip::Imagetool_Click, this, [this](int tool) { kTools[tool].action(*page_); });
     connect(tools_, &ToolStrip::BackMouseMove, tools_, &ToolStrip::EndHover);
     connect(page_, &QTextBrowser::backwardAvailable, this,
             [this](bool available) { tools_->SetImageTool(kBack, available); });
@@ -104,11 +94,12 @@ void HelpWindow::AddKeys() {
     const auto add = [this](const QKeySequence& keys, auto action) {
         connect(new QShortcut(keys, this), &QShortcut::activated, this, action);
     };
-    add(QKeySequence::Back, [this] { page_->backward(); });
-    add(QKeySequence::Forward, [this] { page_->forward(); });
-    add(Qt::ALT | Qt::Key_Home, [this] { page_->Open(QLatin1String(kFirstHelpPage)); });
-    add(QKeySequence::ZoomIn, [this] { page_->Zoom(1); });
-    add(QKeySequence::ZoomOut, [this] { page_->Zoom(-1); });
+    const auto press = [this](Tool tool) { return [this, tool] { kTools[tool].action(*page_); }; };
+    add(QKeySequence::Back, press(kBack));
+    add(QKeySequence::Forward, press(kForward));
+    add(Qt::ALT | Qt::Key_Home, press(kHome));
+    add(QKeySequence::ZoomIn, press(kZoomIn));
+    add(QKeySequence::ZoomOut, press(kZoomOut));
     add(Qt::CTRL | Qt::Key_0, [this] { page_->ResetZoom(); });
     add(Qt::Key_Escape, [this] { close(); });
 }
