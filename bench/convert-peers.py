@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Measures whole conversions beside other programs, in one run, and prints ratios.
 
-    bench/convert-peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|memory ...]
+    bench/convert-peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|batch|memory ...]
 
 Installs the peers (GraphicsMagick, ImageMagick, libvips, OpenCV, Pillow) where they are missing. CPU seconds are
 user + system of the whole process and its threads; of OpenCV and Pillow only reading and writing count, not the
@@ -173,6 +173,46 @@ def compare_many(tessara, folder):
     print()
 
 
+def make_batch_sources(folder, files):
+    os.makedirs(folder, exist_ok=True)
+    for number in range(files):
+        if number < 4:
+            photo_like(2448, 1632, 20 + number).save(f"{folder}/{number}.jpg", quality=90)
+        else:
+            shutil.copy(f"{folder}/{number % 4}.jpg", f"{folder}/{number}.jpg")
+
+
+def compare_batch(program, folder, files):
+    """One batch job to JPG and PNG beside two processes of a peer, one for each format."""
+    sources, targets = f"{folder}/batch", f"{folder}/batch-targets"
+    if not os.path.exists(sources):
+        make_batch_sources(sources, files)
+    os.makedirs(targets, exist_ok=True)
+    each = "for f in *.jpg; do vips copy $f {}; done"
+    peers = {
+        "tessara": [f"{program} {sources} {targets}"],
+        "GraphicsMagick": [
+            f"gm mogrify -output-directory {targets} -quality 60 -format jpg *.jpg",
+            f"gm mogrify -output-directory {targets} -format png *.jpg",
+        ],
+        "ImageMagick": [
+            f"mogrify-im6.q16 -path {targets} -quality 60 -format jpg *.jpg",
+            f"mogrify-im6.q16 -path {targets} -format png *.jpg",
+        ],
+        "libvips": [each.format(f"{targets}/$f[Q=60]"), each.format(f"{targets}/$f.png")],
+    }
+    print(f"{files} files of 4 megapixels, JPG to JPG and PNG, wall seconds")
+    for name, commands in peers.items():
+        start = time.perf_counter()
+        running = [
+            subprocess.Popen(c, shell=True, cwd=sources, env=ENVIRONMENT, stdout=subprocess.DEVNULL) for c in commands
+        ]
+        if any([process.wait() for process in running]):
+            sys.exit(f"{name} failed")
+        print(f"  {name:15} {time.perf_counter() - start:6.2f}", flush=True)
+    print()
+
+
 def measure_memory(tessara, folder):
     _, peak = cpu_seconds([tessara, "-O", f"{folder}/photo.jpg,{folder}/memory.png"])
     print(f"memory of a 24-megapixel JPG to PNG: {peak:.0f} MB\n")
@@ -182,6 +222,8 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--tessara", default=f"{ROOT}/build/release/bin/tessara")
     parser.add_argument("--folder", default=os.path.join(tempfile.gettempdir(), "tessara-bench"))
+    parser.add_argument("--batch", default=f"{ROOT}/build/bench/bin/tessara_bench_batch", help="the batch job's program")
+    parser.add_argument("--files", type=int, default=200, help="of the batch job")
     parser.add_argument("--runs", type=int, default=3)
     parser.add_argument("parts", nargs="*", default=["jobs", "start", "many", "memory"])
     arguments = parser.parse_args()
@@ -196,6 +238,7 @@ def main():
         "jobs": lambda: compare_jobs(arguments.tessara, arguments.folder, arguments.runs),
         "start": lambda: compare_start(arguments.tessara, arguments.folder),
         "many": lambda: compare_many(arguments.tessara, arguments.folder),
+        "batch": lambda: compare_batch(arguments.batch, arguments.folder, arguments.files),
         "memory": lambda: measure_memory(arguments.tessara, arguments.folder),
     }
     for part in arguments.parts:

@@ -48,7 +48,7 @@ Result<Picture> ReadPicture(const std::string& path) {
 }
 
 Result<ByteVector> EncodePicture(const Picture& picture, const BatchAhead::Encoding& encoding) {
-    MemorySink sink;
+    MemorySink sink(picture.PixelCount() * sizeof(Pixel));
     TRY(encoding.format->codec->encode(picture, encoding.options, sink));
     return sink.TakeBytes();
 }

@@ -22,6 +22,9 @@ class ByteSink {
 
 class MemorySink final : public ByteSink {
   public:
+    MemorySink() = default;
+    /// With room for so many bytes, so that they need not be moved as they become more.
+    explicit MemorySink(std::size_t expected) { bytes_.reserve(expected); }
     Result<void> Write(Bytes bytes) override {
         bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());
         return {};
