@@ -32,6 +32,11 @@ void Take(Value& value, const Shown& shown, bool& changed) {
     changed = true;
 }
 
+/// An option of which none is on leaves the value as it is.
+void TakeIndex(std::uint8_t& value, int index, bool& changed) {
+    if (index >= 0) Take(value, index, changed);
+}
+
 }  // namespace
 
 OptionsControls ControlsOf(const ConvertOptions& options, const std::string& appPath) {
@@ -74,11 +79,11 @@ void Savedefault(Session& session, DefaultsHost& host, const OptionsControls& co
     changed |= options.ListAllFiles != before.ListAllFiles;
     Take(options.ImportOn, controls.CheckIn, changed);
     TakeFlags(session.formats.ImportFormats, options.ImportOn);
-    Take(options.ConvertScope, controls.OptionPic, changed);
+    TakeIndex(options.ConvertScope, controls.OptionPic, changed);
     Take(options.ExportOn, controls.CheckOut, changed);
     Take(options.TargetFolder, FolderField(controls.TextOutFolder), changed);
     Take(options.StartFolder, FolderField(controls.TextInFolder), changed);
-    Take(options.OverwriteMode, controls.OptionOv, changed);
+    TakeIndex(options.OverwriteMode, controls.OptionOv, changed);
     if (writeFile) Ignore(SettingsFile(session.PrivateFile(kFileName)).Write(options));
     host.PrintNote();
 }

@@ -12,11 +12,11 @@ namespace tessara {
 struct OptionsControls {
     int OptionList = 1;  ///< 0 all files, 1 all graphics, 2 graphics for import
     std::array<bool, 25> CheckIn{};
-    int OptionPic = 0;  ///< as ConvertScope
+    int OptionPic = 0;  ///< as ConvertScope; -1 for none
     std::array<bool, 10> CheckOut{};
     std::string TextOutFolder;
     std::string TextInFolder;
-    int OptionOv = 0;  ///< as OverwriteMode
+    int OptionOv = 0;  ///< as OverwriteMode; -1 for none
 };
 
 /// A folder field without a terminator shows as the program's folder.

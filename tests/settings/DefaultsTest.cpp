@@ -102,6 +102,9 @@ TEST_F(DefaultsTest, OptionsComeBackFromTheDialogAsTheyWentThere) {
     EXPECT_FALSE(changed);
     EXPECT_EQ(session_.ConvertOptions, before);
     EXPECT_FALSE(file_.HasContents());
+    controls.OptionPic = controls.OptionOv = -1;
+    Savedefault(session_, *this, controls, before, false, changed);
+    EXPECT_EQ(session_.ConvertOptions, before);
 
     struct Case {
         const char* name;
