@@ -57,7 +57,10 @@ void FormviewImport::SetupRastx() {
 }
 
 void FormviewImport::SetCaption() {
-    FrameToolBar1_->SetCaption(width(), {rastx1_->rastx().ImageWidth(), rastx1_->rastx().ImageHeight()});
+    // LabelPict tells the size at 100 %, the other labels positions and sizes at the present zoom.
+    const Rastx& pane = rastx1_->rastx();
+    FrameToolBar1_->SetCaption(
+        width(), QSize(pane.ImageWidth(), pane.ImageHeight()).expandedTo({ImageWidth100_, ImageHeight100_}));
 }
 
 void FormviewImport::Form_Resize() {
@@ -92,6 +95,7 @@ void FormviewImport::LoadPict(const std::string& path) {
     // The level stays: the next step of the zoom goes on from that of the former picture.
     ImageWidth100_ = pane.ImageWidth();
     ImageHeight100_ = pane.ImageHeight();
+    SetCaption();
 }
 
 void FormviewImport::Loadfile00() {

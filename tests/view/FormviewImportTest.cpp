@@ -274,6 +274,7 @@ TEST_F(FormviewImportTest, LabelsKeepToTheRightEndAndGiveWayToLargeNumbers) {
     Open(2).setFont(QFont(QStringLiteral("DejaVu Sans"), 12));
     form_->resize(400, 400);
     Drag({0, 0}, {100, 100});
+    form_->Zoom(kZoomOut);
     const std::vector<int> places = lefts();
     EXPECT_GE(places[0], form_->Imagetool(kDelete)->geometry().right());
     for (std::size_t i = 0; i + 1 < kLabels.size(); ++i) {
