@@ -39,8 +39,12 @@ void SelectionGesture::ShowSize() {
 void SelectionGesture::ImageMouseUp() {
     const Edges edges = CurrentEdges();
     const auto [left, top, right, bottom] = edges;
-    if (edges == remembered_) return;
-    if (bottom - top < kLeastDistance || right - left < kLeastDistance) return;
+    if (edges == remembered_ || bottom - top < kLeastDistance || right - left < kLeastDistance) {
+        // A click would leave a speck on the picture.
+        pane_.ClearSelect();
+        active_ = false;
+        return;
+    }
     remembered_ = edges;
     active_ = true;
     labels_.SetLabelXY(std::to_string(left) + "," + std::to_string(top));

@@ -72,6 +72,7 @@ TEST_F(SelectionClipboardTest, ABandCropsWhereItsEdgesAreApartEnough) {
         recorded_.host.menus.clear();
         Drag(row.left, row.top, row.right, row.bottom);
         EXPECT_EQ(session_.SelectionActive, row.crops);
+        EXPECT_EQ(import_.HasSelection(), row.crops);
         EXPECT_EQ(session_.ExportChanged && session_.UndoPending, row.crops);
         EXPECT_EQ(session_.UndoTop, row.crops ? 1 : 0);
         EXPECT_EQ(Has("mEdit", 0), row.crops);
