@@ -338,19 +338,23 @@ Result<Picture> TexturedGlass(const Picture& picture, float scale, int chaos, co
     const float amplitude = cell * static_cast<float>(chaos) / 20;
     const SmoothField shiftsX(picture.Width(), cell, amplitude, RandomOf(run.seed));
     const SmoothField shiftsY(picture.Width(), cell, amplitude, RandomOf(run.seed + 1));
-    return MakeRows(picture, picture.Width(), picture.Height(), run, [&](std::span<Pixel> row, int y) {
-        const std::vector<float> cornersX = shiftsX.RowOfCorners(y);
-        const std::vector<float> cornersY = shiftsY.RowOfCorners(y);
-        Positions positions;
-        for (int x = 0; x < picture.Width(); x += Positions::kMost) {
-            const int count = std::min(Positions::kMost, picture.Width() - x);
-            for (int i = 0; i < count; ++i) {
-                positions.x[i] = static_cast<float>(x + i) + shiftsX.Along(cornersX, x + i);
-                positions.y[i] = static_cast<float>(y) + shiftsY.Along(cornersY, x + i);
+    return MakeBands(
+        picture, picture.Width(), picture.Height(), run, [&](const auto& row, int begin, int end) {
+            Sampler sampler(picture);
+            Positions positions;
+            for (int y = begin; y < end; ++y) {
+                const std::vector<float> cornersX = shiftsX.RowOfCorners(y);
+                const std::vector<float> cornersY = shiftsY.RowOfCorners(y);
+                for (int x = 0; x < picture.Width(); x += Positions::kMost) {
+                    const int count = std::min(Positions::kMost, picture.Width() - x);
+                    for (int i = 0; i < count; ++i) {
+                        positions.x[i] = static_cast<float>(x + i) + shiftsX.Along(cornersX, x + i);
+                        positions.y[i] = static_cast<float>(y) + shiftsY.Along(cornersY, x + i);
+                    }
+                    sampler.Write(positions, row(y).subspan(Index(x), Index(count)));
+                }
             }
-            SamplePixels(picture, positions, row.subspan(Index(x), Index(count)));
-        }
-    });
+        });
 }
 
 }  // namespace tessara::effects

@@ -59,10 +59,7 @@ Result<Picture> FreeTurn(const Picture& picture, double degrees, Pixel backgroun
                       static_cast<float>((picture.Height() - 1) / 2.0 + fromX * sine + fromY * cosine),
                       static_cast<float>(cosine), static_cast<float>(sine), count, positions);
     };
-    return MapPositions(picture, width, height, run, rule,
-                        [&](const Positions& positions, std::span<Pixel> out) {
-                            BlendOutside(picture, positions, background, out);
-                        });
+    return MapPositions(picture, width, height, background, run, rule);
 }
 
 /// Where a stretched pixel comes from, by its distances from the corner that is pulled out.

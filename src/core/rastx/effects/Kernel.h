@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <new>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -162,16 +164,27 @@ Picture ChangeByNeighbours(Picture picture, const EffectRun& run, const Rule& ru
     return std::move(canvas).Take();
 }
 
+/// A new picture of the given size: `rule(row, begin, end)` writes the rows from `begin` to `end`; row(y) is
+/// one of them.
+template <typename Rule>
+Result<Picture> MakeBands(const Picture& like, int width, int height, const EffectRun& run,
+                          const Rule& rule) {
+    TRY_ASSIGN(Picture target, CreateLike(like, width, height));
+    const std::span<Pixel> pixels = target.MutablePixels();
+    const auto row = [pixels, side = static_cast<std::size_t>(width)](int y) {
+        return pixels.subspan(static_cast<std::size_t>(y) * side, side);
+    };
+    ParallelRows(height, run.threads, RowsPerThread(width),
+                 [&](int begin, int end) { rule(row, begin, end); });
+    return target;
+}
+
 /// Rearranging operations: `rule(row, y)` writes one row of a new picture of the given size.
 template <typename Rule>
 Result<Picture> MakeRows(const Picture& like, int width, int height, const EffectRun& run, const Rule& rule) {
-    TRY_ASSIGN(Picture target, CreateLike(like, width, height));
-    const std::span<Pixel> pixels = target.MutablePixels();
-    const auto side = static_cast<std::size_t>(width);
-    ParallelRows(height, run.threads, RowsPerThread(width), [&](int begin, int end) {
-        for (int y = begin; y < end; ++y) rule(pixels.subspan(static_cast<std::size_t>(y) * side, side), y);
+    return MakeBands(like, width, height, run, [&](const auto& row, int begin, int end) {
+        for (int y = begin; y < end; ++y) rule(row(y), y);
     });
-    return target;
 }
 
 /// Positions in the source, in pixels from the centre of its first one.
@@ -181,33 +194,57 @@ struct Positions {
     float y[kMost];
 };
 
-/// Writes the pixels at the positions, interpolated between the four around each (colours by their alpha).
-/// Beyond the border the outermost pixels go on.
-void SamplePixels(const Picture& source, const Positions& positions, std::span<Pixel> out);
-/// Blends those that lie outside of the source into the background; a pixel wide at the border.
-void BlendOutside(const Picture& source, const Positions& positions, Pixel background, std::span<Pixel> out);
+/// Writes pixels from between those of a source, interpolated between the four around a position (colours by
+/// their alpha). Beyond the border the outermost pixels go on, or a background that is blended in over the
+/// width of a pixel. One run is always under way: while it is written, memory is asked for the next one's.
+class Sampler {
+  public:
+    explicit Sampler(const Picture& source, std::optional<Pixel> background = {});
+    ~Sampler();
+    Sampler(const Sampler&) = delete;
+    Sampler& operator=(const Sampler&) = delete;
+
+    /// `out`, of at most Positions::kMost pixels, is complete after the next run or at the end of the
+    /// sampler.
+    void Write(const Positions& positions, std::span<Pixel> out);
+
+  private:
+    struct Run;
+
+    void Finish(const Run& run) const;
+
+    const Picture& source_;
+    std::optional<Pixel> background_;
+    std::unique_ptr<Run[]> runs_;
+    int newest_ = 0;
+};
 
 /// Mapping operations: `rule(x, y, count, positions)` tells where `count` pixels of the result, from (x, y)
-/// to the right, come from. `finish(positions, out)` may change what was sampled.
-template <typename Rule, typename Finish>
-Result<Picture> MapPositions(const Picture& source, int width, int height, const EffectRun& run,
-                             const Rule& rule, const Finish& finish) {
-    return MakeRows(source, width, height, run, [&](std::span<Pixel> row, int y) {
-        for (int x = 0; x < width; x += Positions::kMost) {
-            const int count = std::min(Positions::kMost, width - x);
-            const auto part = row.subspan(static_cast<std::size_t>(x), static_cast<std::size_t>(count));
-            Positions positions;
-            rule(x, y, count, positions);
-            SamplePixels(source, positions, part);
-            finish(positions, part);
+/// to the right, come from. Several rows are made together, for a steep mapping reads the same lines of
+/// memory for all of them.
+template <typename Rule>
+Result<Picture> MapPositions(const Picture& source, int width, int height, std::optional<Pixel> background,
+                             const EffectRun& run, const Rule& rule) {
+    return MakeBands(source, width, height, run, [&](const auto& row, int begin, int end) {
+        Sampler sampler(source, background);
+        Positions positions;
+        constexpr int kTileRows = 8;
+        for (int top = begin; top < end; top += kTileRows) {
+            for (int x = 0; x < width; x += Positions::kMost) {
+                const int count = std::min(Positions::kMost, width - x);
+                for (int y = top; y < std::min(top + kTileRows, end); ++y) {
+                    rule(x, y, count, positions);
+                    sampler.Write(positions, row(y).subspan(static_cast<std::size_t>(x),
+                                                            static_cast<std::size_t>(count)));
+                }
+            }
         }
     });
 }
 
 template <typename Rule>
 Result<Picture> MapPositions(const Picture& source, const EffectRun& run, const Rule& rule) {
-    return MapPositions(source, source.Width(), source.Height(), run, rule,
-                        [](const Positions&, std::span<Pixel>) {});
+    return MapPositions(source, source.Width(), source.Height(), {}, run, rule);
 }
 
 /// A random number for a value: every bit depends on every bit of it (a multiply-xorshift mix).
