@@ -99,6 +99,11 @@ BatchOptions Dialogprogress::Options() const {
 }
 
 void Dialogprogress::LoadDialogprogress() {
+    RunJob();
+    exec();
+}
+
+void Dialogprogress::RunJob() {
     Session& session = surroundings_.session;
     MoveToItsPlace();
     show();

@@ -29,8 +29,10 @@ class Dialogprogress final : public QDialog, private BatchView, private BatchQue
     };
     Dialogprogress(const Surroundings& surroundings, QWidget* parent);
 
-    /// Shows the dialog and does the whole job.
+    /// Shows the dialog, does the whole job, and waits until the user has seen the counts.
     void LoadDialogprogress();
+    /// The first part of LoadDialogprogress: comes back when the job is done.
+    void RunJob();
     /// Unloads the dialog; while the job runs that only asks it to end.
     void done(int result) override;
 

@@ -44,6 +44,7 @@ class ConvertTest : public testing::Test, protected test::RecordedBrowser {
         return static_cast<int>(QDir(ShownText(folder_.Path())).entryList({QStringLiteral("*.png")}).size());
     }
 
+    std::function<void()> WhenDone = [] {};
     test::TemporaryFolder folder_;
     FileList list_{browser, nullptr};
     SelectionSummary summary_{browser};
@@ -54,7 +55,11 @@ class ConvertTest : public testing::Test, protected test::RecordedBrowser {
                             .list = listed_,
                             .prompts = prompts,
                             .BusyCursor = [this](bool on) { host.BusyCursor(on); },
-                            .SelectIcoSourceIco = [this] { summary_.SelectIcoSourceIco(); }},
+                            .SelectIcoSourceIco =
+                                [this] {
+                                    summary_.SelectIcoSourceIco();
+                                    WhenDone();
+                                }},
                            nullptr};
 };
 
@@ -62,20 +67,25 @@ TEST_F(ConvertTest, AJobShowsItsCountsUntilItIsDismissed) {
     list_.SetChecked(0, true);
     list_.SetChecked(1, true);
     summary_.SelectIcoSourceIco();
+    bool seen = false;
+    WhenDone = [&] {
+        QTimer::singleShot(0, &dialog_, [&] {
+            seen = dialog_.isVisible() && session.Converting;
+            Button()->click();
+        });
+    };
     dialog_.LoadDialogprogress();
+    EXPECT_TRUE(seen);
+    EXPECT_FALSE(dialog_.isVisible());
+    EXPECT_FALSE(session.Converting);
     EXPECT_EQ(Written(), 3);
     EXPECT_EQ(Counts(), "3 files converted! 3 files created!");
     EXPECT_EQ(Bar(0)->maximum(), 2);
     EXPECT_EQ(Bar(0)->value(), 2) << "the bar ends where it is full";
     EXPECT_EQ(Button()->text(), QStringLiteral("Done"));
-    EXPECT_TRUE(dialog_.isVisible());
-    EXPECT_TRUE(session.Converting);
     EXPECT_FALSE(session.ExportChanged);
     EXPECT_FALSE(host.busy);
     EXPECT_EQ(session.SelectedCount, 3) << "what was converted is checked, and counted";
-    Button()->click();
-    EXPECT_FALSE(dialog_.isVisible());
-    EXPECT_FALSE(session.Converting);
 }
 
 TEST_F(ConvertTest, CancelAndClosingEndARunningJob) {
@@ -85,7 +95,7 @@ TEST_F(ConvertTest, CancelAndClosingEndARunningJob) {
             byButton ? Button()->click() : static_cast<void>(dialog_.close());
             EXPECT_TRUE(dialog_.isVisible());
         });
-        dialog_.LoadDialogprogress();
+        dialog_.RunJob();
         EXPECT_EQ(Written(), 0);
         EXPECT_EQ(Counts(), "0 files converted! 0 files created!");
         dialog_.close();
@@ -96,7 +106,7 @@ TEST_F(ConvertTest, CancelAndClosingEndARunningJob) {
 
 TEST_F(ConvertTest, ABarWithoutAnythingToDoIsEmptyAndStill) {
     session.ConvertOptions.ExportOn = {};
-    dialog_.LoadDialogprogress();
+    dialog_.RunJob();
     EXPECT_EQ(Bar(1)->maximum(), 0);
     const QImage before = Bar(1)->grab().toImage();
     Bar(1)->setRange(0, 5);
@@ -111,7 +121,7 @@ TEST_F(ConvertTest, ARefusedTargetIsAskedForWithItsType) {
     pane_.SetImage(test::Draw("R"));
     prompts.answers = {Answer::No};
     prompts.files = {folder_.File("other.png")};
-    dialog_.LoadDialogprogress();
+    dialog_.RunJob();
     EXPECT_EQ(prompts.asked[0].text,
               "File " + folder_.File("a.png") + " already exists.\n\nDo you want to replace it?");
     ASSERT_EQ(prompts.saveRequests.size(), 1u);
