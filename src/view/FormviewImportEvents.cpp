@@ -5,6 +5,7 @@
 #include "desktop/PathText.h"
 #include "view/DialogSlideOpt.h"
 #include "view/FormviewImport.h"
+#include "view/ViewerPlace.h"
 
 // What the user and the slide show do to the image viewer.
 
@@ -85,8 +86,7 @@ void FormviewImport::ConnectPane() {
     connect(rastx1_, &RastxPane::ImageMouseUp, this, [this] { selection_.ImageMouseUp(); });
     connect(rastx1_, &RastxPane::ImageRightClick, this, &FormviewImport::AdvanceSlides);
     connect(rastx1_, &RastxPane::ImageChanged, this, &FormviewImport::SetCaption);
-    connect(rastx1_, &RastxPane::ImageDblClick, this,
-            [this] { isMaximized() ? ShowNormal() : ShowFullScreen(); });
+    connect(rastx1_, &RastxPane::ImageDblClick, this, [this] { ToggleMaximized(*this); });
     rastx1_->viewport()->installEventFilter(this);
     FrameToolBar1_->PictureToolBack()->installEventFilter(this);
 }

@@ -9,6 +9,25 @@ namespace {
 
 using Indexes = std::vector<int>;
 
+TEST(ListWalk, StaysWithinTheListAndTellsItsEnds) {
+    struct Row {
+        int count, selected;
+        std::vector<int> steps;  // as LastNext takes them
+        int endsAt;
+        const char* tools;  // previous and next; '.' where they stay as they were made
+    };
+    for (const Row& row : {Row{3, 1, {}, 1, "-."}, Row{1, 1, {}, 1, "--"}, Row{3, 0, {}, 0, ".."},
+                           Row{3, 2, {1}, 3, "+-"}, Row{3, 2, {0}, 1, "-+"}, Row{3, 1, {0}, 1, "-+"},
+                           Row{3, 3, {1}, 3, "+-"}, Row{3, 0, {1}, 1, "++"}, Row{3, 0, {0}, 0, "++"}}) {
+        test::RecordingStage stage;
+        stage.count = row.count;
+        stage.walk.Start(row.selected);
+        for (const int step : row.steps) stage.walk.LastNext(step);
+        EXPECT_EQ(stage.walk.ListIndex, row.endsAt);
+        EXPECT_EQ(stage.Tools().substr(0, 2), row.tools) << "from " << row.selected;
+    }
+}
+
 class SlideShowTest : public testing::Test {
   protected:
     /// The number from which a random position below 4 comes out as `position`.
