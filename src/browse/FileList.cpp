@@ -16,6 +16,7 @@
 #include "browse/SelectionSummary.h"
 #include "core/SystemVersion.h"
 #include "core/Text.h"
+#include "desktop/ConfirmDiscardExport.h"
 #include "desktop/PathText.h"
 
 namespace tessara {
@@ -231,14 +232,8 @@ int FileList::SetFileMaxN() const {
     return isXP ? 3000 : 1000;
 }
 
-bool FileList::MayLeaveExportImage() {
-    return !browser_.session.ExportChanged ||
-           browser_.prompts.Ask({"The Export Image has been changed and not saved. Continue anyway?",
-                                 PromptButtons::YesNo, PromptIcon::Warning}) == Answer::Yes;
-}
-
 void FileList::FileViewFile_PathChange() {
-    if (!MayLeaveExportImage()) return;
+    if (!ConfirmDiscardExport(browser_.session.ExportChanged, browser_.prompts)) return;
     browser_.host.BusyCursor(true);
     SetListFile();
     browser_.summary->SelectIcoSourceIco();
@@ -356,8 +351,8 @@ bool FileList::IsListed(std::string_view ext4) const {
 
 bool FileList::WantsAllIcons() {
     return browser_.prompts.Ask(
-               {"Too many files!\r\rIt will take lots of memory to display the icon type data for all these "
-                "files!\r\rAre you sure you want to display icon type data for all these files?",
+               {"Too many files!\n\nIt will take lots of memory to display the icon type data for all these "
+                "files!\n\nAre you sure you want to display icon type data for all these files?",
                 PromptButtons::YesNo, PromptIcon::Question}) == Answer::Yes;
 }
 
@@ -400,7 +395,7 @@ void FileList::ListViewFile_Click() {
     if (RowCount() == 0) return;
     BrowserHost& host = browser_.host;
     host.StopCapture();
-    if (!MayLeaveExportImage()) return;
+    if (!ConfirmDiscardExport(browser_.session.ExportChanged, browser_.prompts)) return;
     browser_.summary->SelectIcoSourceIco();
     host.ClearSelection();
     const int row = SelectedRow();

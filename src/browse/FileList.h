@@ -58,8 +58,6 @@ class FileList : public QWidget {
     void ConnectTable();
     void HeaderClicked(int section);
     void SortRows();
-    /// Whether an export picture with changes may be given up.
-    bool MayLeaveExportImage();
 
     /// Makes the rows; False asks for a fresh start.
     bool BuildRows(Build& build);

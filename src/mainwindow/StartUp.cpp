@@ -98,7 +98,7 @@ void MainForm::EnterFolder(const std::string& folder) {
 }
 
 bool MainForm::Form_Unload() {
-    if (!selection_->ConfirmDiscardExport()) return false;
+    if (!ConfirmDiscardExport()) return false;
     box_->SaveGetComBox(false);
     help_.CloseHelp();
     std::error_code ignored;

@@ -10,12 +10,6 @@ enum Entry { kCopy = 0, kPaste = 1, kWholeImport = 3, kCapture = 5, kEntireScree
 
 }  // namespace
 
-bool ConfirmDiscardExport(const Session& session, Prompts& prompts) {
-    return !session.ExportChanged ||
-           prompts.Ask({"The Export Image has been changed and not saved. Continue anyway?",
-                        PromptButtons::YesNo, PromptIcon::Warning}) == Answer::Yes;
-}
-
 SelectionClipboard::SelectionClipboard(Editor& editor, Rastx& importPane, Prompts& prompts,
                                        SelectionHost& host)
     : editor_(editor),
@@ -63,7 +57,7 @@ void SelectionClipboard::CheckPaste(bool clipboardHoldsBitmap) {
 
 /// Without a bitmap the panes stay as they are, and everything else happens all the same.
 bool SelectionClipboard::Paste() {
-    if (!ConfirmDiscardExport()) return false;
+    if (!ConfirmDiscardExport(editor_.session.ExportChanged, prompts_)) return false;
     editor_.undo.UndoCommand("SAVE");
     importPane_.ClearSelect();
     Ignore(importPane_.PasteClip());
@@ -78,7 +72,7 @@ bool SelectionClipboard::Paste() {
 }
 
 bool SelectionClipboard::CopyWholeImport() {
-    if (!ConfirmDiscardExport()) return false;
+    if (!ConfirmDiscardExport(editor_.session.ExportChanged, prompts_)) return false;
     editor_.undo.UndoCommand("SAVE");
     importPane_.ClearSelect();
     Ignore(importPane_.CopyClip());
@@ -91,7 +85,7 @@ bool SelectionClipboard::CopyWholeImport() {
 }
 
 void SelectionClipboard::CaptureEntireScreen() {
-    if (!ConfirmDiscardExport()) return;
+    if (!ConfirmDiscardExport(editor_.session.ExportChanged, prompts_)) return;
     editor_.undo.UndoCommand("SAVE");
     // One look at the screen serves both panes: some desktops ask the user each time.
     if (importPane_.CaptureScreen()) {

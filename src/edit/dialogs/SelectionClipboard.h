@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/Prompts.h"
+#include "desktop/ConfirmDiscardExport.h"
 #include "edit/SelectionGesture.h"
 
 namespace tessara {
@@ -17,16 +17,12 @@ class SelectionHost : public SelectionLabels {
     virtual void OpenExportViewer() = 0;
 };
 
-/// False where the export picture has unsaved changes and the user would rather keep them.
-bool ConfirmDiscardExport(const Session& session, Prompts& prompts);
-
 /// The menu of copying and pasting, and what the mouse does on the two panes. Index 0 is the import pane, 1
 /// the export pane.
 class SelectionClipboard {
   public:
     SelectionClipboard(Editor& editor, Rastx& importPane, Prompts& prompts, SelectionHost& host);
 
-    bool ConfirmDiscardExport() { return tessara::ConfirmDiscardExport(editor_.session, prompts_); }
     void mEdit_Click(int Index);
     /// LabelPict and the import pane's tooltip, for a picture that has just come into both panes.
     void ShowImportSize();
