@@ -26,10 +26,6 @@ struct Colors {
     QColor accent;
 };
 
-bool IsDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
-}
-
 Colors ColorsFor(PictureState state, const QPalette& palette) {
     const QColor window = palette.color(QPalette::Active, QPalette::Window);
     // In the full colour of the text, strokes look heavier than the text does.
@@ -141,6 +137,10 @@ QPixmap ArtworkPixmap(std::string_view name, QSize size, PictureState state, qre
     pixmap = Rendered(Drawing(path, colors), size, devicePixelRatio);
     if (!pixmap.isNull()) QPixmapCache::insert(key, pixmap);
     return pixmap;
+}
+
+bool IsDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
 }
 
 QColor ArtworkAccent(const QPalette& palette) {

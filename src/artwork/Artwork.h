@@ -20,6 +20,9 @@ QIcon Artwork(std::string_view name, std::optional<QPalette> palette = std::null
 QPixmap ArtworkPixmap(std::string_view name, QSize size, PictureState state, qreal devicePixelRatio,
                       const QPalette& palette);
 
+/// Whether the palette has light text on dark ground.
+bool IsDark(const QPalette& palette);
+
 /// The one colour beside the palette's own in which the drawings are made.
 QColor ArtworkAccent(const QPalette& palette);
 

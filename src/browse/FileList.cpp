@@ -11,6 +11,8 @@
 #include <new>
 #include <unordered_map>
 
+#include "artwork/Artwork.h"
+#include "artwork/FieldColors.h"
 #include "browse/FileInfo.h"
 #include "browse/OneLineDelegate.h"
 #include "browse/SelectionSummary.h"
@@ -60,6 +62,21 @@ bool HasOwnIcon(std::string_view ext4) {
 
 }  // namespace
 
+/// Check boxes that are seen on the table's ground: their frames are made from the window's colour.
+class FileList::RowDelegate final : public OneLineDelegate {
+  public:
+    using OneLineDelegate::OneLineDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        OneLineDelegate::initStyleOption(option, index);
+        QPalette& colors = option->palette;
+        constexpr float kShareOfText = 0.45f;
+        colors.setColor(QPalette::Window, Mixed(colors.color(QPalette::Window),
+                                                colors.color(QPalette::WindowText), kShareOfText));
+    }
+};
+
 /// A table in which a click on a check box leaves the highlight where it is: it marks the file in the panes.
 class FileList::Table final : public QTreeWidget {
   public:
@@ -105,15 +122,12 @@ FileList::FileList(Browser& browser, QWidget* parent)
       ListViewFile_(table_),
       ImageListFile_{style()->standardIcon(QStyle::SP_FileIcon)} {
     ListViewFile_->setObjectName("ListViewFile");
-    ListViewFile_->setItemDelegate(new OneLineDelegate(ListViewFile_));
+    ListViewFile_->setItemDelegate(new RowDelegate(ListViewFile_));
     ListViewFile_->setRootIsDecorated(false);
     ListViewFile_->setUniformRowHeights(true);
     ListViewFile_->setAllColumnsShowFocus(true);
     ListViewFile_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    QPalette colors = ListViewFile_->palette();
-    colors.setColor(QPalette::Base, QColor(230, 230, 230));
-    colors.setColor(QPalette::Text, Qt::black);
-    ListViewFile_->setPalette(colors);
+    SetColors();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(ListViewFile_);
@@ -121,6 +135,10 @@ FileList::FileList(Browser& browser, QWidget* parent)
     ConnectTable();
     browser_.list = this;
     browser_.FileViewFile.PathChange = [this] { FileViewFile_PathChange(); };
+}
+
+void FileList::SetColors() {
+    ListViewFile_->setPalette(FieldPalette(palette(), QuietGround(palette())));
 }
 
 void FileList::MakeColumns() {
@@ -173,6 +191,11 @@ void FileList::showEvent(QShowEvent* event) {
     // The first time that the table has its true width; from then on the widths are the user's.
     if (!columnsSized_) SetColumnWidths();
     columnsSized_ = true;
+}
+
+void FileList::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) SetColors();
+    QWidget::changeEvent(event);
 }
 
 void FileList::HeaderClicked(int section) {

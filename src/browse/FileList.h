@@ -43,8 +43,10 @@ class FileList : public QWidget {
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
+    class RowDelegate;
     class Table;
     struct Build;
     /// The row last shown in the panes. It outlives a rebuild.
@@ -53,6 +55,7 @@ class FileList : public QWidget {
         std::string Key;
     };
 
+    void SetColors();
     void MakeColumns();
     void SetColumnWidths();
     void ConnectTable();

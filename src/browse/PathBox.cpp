@@ -1,12 +1,15 @@
 #include "browse/PathBox.h"
 
+#include <QAbstractItemView>
 #include <QDir>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "artwork/FieldColors.h"
 #include "browse/FolderTree.h"
 #include "browse/NodeKeys.h"
 #include "browse/PathWalk.h"
@@ -18,8 +21,18 @@ namespace {
 
 constexpr int kMostItems = 20;  ///< a list with more loses its oldest item before it takes another
 constexpr int kPathRole = Qt::UserRole;
-constexpr QColor kFocused(255, 255, 255);
-constexpr QColor kUnfocused(230, 230, 230);
+
+/// Drops its list down as wide as the paths in it, up to half of the screen.
+class PathCombo final : public QComboBox {
+  public:
+    using QComboBox::QComboBox;
+
+    void showPopup() override {
+        const int wanted = view()->sizeHintForColumn(0) + 2 * view()->frameWidth();
+        view()->setMinimumWidth(std::min(wanted, screen()->availableSize().width() / 2));
+        QComboBox::showPopup();
+    }
+};
 
 /// Walks in the folder tree, which reads on the way.
 class FolderWalker final : public TreeWalker {
@@ -52,7 +65,7 @@ std::string DriveOf(const FolderTree& tree, const FolderNode* node) {
 }  // namespace
 
 PathBox::PathBox(Browser& browser, QWidget* parent)
-    : QWidget(parent), browser_(browser), ImageComboPath_(new QComboBox(this)) {
+    : QWidget(parent), browser_(browser), ImageComboPath_(new PathCombo(this)) {
     ImageComboPath_->setObjectName("ImageComboPath");
     ImageComboPath_->setEditable(true);
     ImageComboPath_->setInsertPolicy(QComboBox::NoInsert);
@@ -64,7 +77,7 @@ PathBox::PathBox(Browser& browser, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(ImageComboPath_);
-    SetBackground(kUnfocused);
+    SetColors();
     ImageComboPath_->installEventFilter(this);
     ImageComboPath_->lineEdit()->installEventFilter(this);
     connect(ImageComboPath_, &QComboBox::activated, this, [this](int item) {
@@ -74,21 +87,25 @@ PathBox::PathBox(Browser& browser, QWidget* parent)
     browser_.box = this;
 }
 
-void PathBox::SetBackground(const QColor& color) {
-    QPalette colors = ImageComboPath_->palette();
-    colors.setColor(QPalette::Base, color);
-    colors.setColor(QPalette::Text, Qt::black);
-    ImageComboPath_->setPalette(colors);
+void PathBox::SetColors() {
+    const QColor ground = typing_ ? TypingGround(palette()) : QuietGround(palette());
+    ImageComboPath_->setPalette(FieldPalette(palette(), ground));
+}
+
+void PathBox::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) SetColors();
+    QWidget::changeEvent(event);
 }
 
 bool PathBox::eventFilter(QObject*, QEvent* event) {
     switch (event->type()) {
         case QEvent::FocusIn:
-            SetBackground(kFocused);
+            typing_ = true;
+            SetColors();
             return false;
         case QEvent::FocusOut:
-            SetBackground(kUnfocused);
-            enterPressed_ = false;
+            typing_ = enterPressed_ = false;
+            SetColors();
             return false;
         case QEvent::KeyPress: {
             const int key = static_cast<QKeyEvent*>(event)->key();

@@ -32,9 +32,10 @@ class PathBox : public QWidget {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
-    void SetBackground(const QColor& color);
+    void SetColors();
     bool KeyReleased(int key);
     /// Adds an item and leaves the text as it is.
     void AddItem(const std::string& path, const QIcon& icon);
@@ -51,6 +52,7 @@ class PathBox : public QWidget {
     QComboBox* ImageComboPath_ = nullptr;
     FileEnumerator FileListCheck_;  ///< tests that a path exists
     std::string text_;              ///< the bytes of the text that was set last
+    bool typing_ = false;           ///< the box has the focus
     bool enterPressed_ = false;
 };
 

@@ -3,6 +3,9 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include "artwork/Artwork.h"
+#include "artwork/FieldColors.h"
+
 namespace tessara {
 
 DragBar::DragBar(const QString& name, Qt::Orientation orientation, QWidget* parent)
@@ -29,7 +32,7 @@ void DragBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(palette().color(QPalette::Mid));
+    painter.setBrush(FaintLine(palette()));
     constexpr qreal kDistance = 6, kRadius = 1.2;
     for (const int i : {-1, 0, 1}) {
         const QPointF step =
@@ -45,7 +48,8 @@ DragGhost::DragGhost(const QString& name, QWidget* parent) : QWidget(parent) {
 }
 
 void DragGhost::paintEvent(QPaintEvent*) {
-    QPainter(this).fillRect(rect(), QColor(64, 64, 64));
+    // Dark, unless everything around it is.
+    QPainter(this).fillRect(rect(), IsDark(palette()) ? QColor(176, 176, 176) : QColor(64, 64, 64));
 }
 
 }  // namespace tessara

@@ -4,6 +4,8 @@
 #include <QResizeEvent>
 #include <algorithm>
 
+#include "artwork/FieldColors.h"
+
 namespace tessara {
 namespace {
 
@@ -69,8 +71,8 @@ void PanelBar::resizeEvent(QResizeEvent* event) {
 
 void PanelBar::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Window));
-    painter.setPen(palette().color(QPalette::Mid));
+    painter.fillRect(rect(), QuietGround(palette()));
+    painter.setPen(FaintLine(palette()));
     for (const Panel& panel : panels_) {
         const bool covered = std::ranges::any_of(panels_, [&](const Panel& other) {
             return other.left < panel.left && other.label->geometry().right() >= panel.left;
