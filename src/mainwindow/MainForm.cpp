@@ -12,7 +12,7 @@ namespace tessara {
 namespace {
 
 constexpr int kTwipsPerPixel = 15;
-constexpr QSize kSmallestWindow(720, 520);
+constexpr QSize kSmallestWindow(600, 340);
 constexpr int kButtonWidth = 1200;  ///< twips
 
 QString Indexed(const char* name, int index) {
@@ -244,7 +244,7 @@ void MainForm::ApplyFaces() {
 
 void MainForm::PlaceStrip() {
     Apply(LabelPict_, {150, 210, 2400, 225});
-    Apply(LabelXY_, {2850, 225, 1200, 210});
+    Apply(LabelXY_, {2700, 225, 1380, 210});
     Apply(LabelWH_, {4200, 225, 1500, 210});
     for (QFrame* marker : Image2and3_) Apply(marker, {4200 - 90, 195, 30, 270});
     int right = 0;
