@@ -98,7 +98,7 @@ void MainForm::EnterFolder(const std::string& folder) {
 }
 
 bool MainForm::Form_Unload() {
-    if (!ConfirmDiscardExport()) return false;
+    if (!ConfirmDiscardExport(session_.ExportChanged, services_.prompts)) return false;
     box_->SaveGetComBox(false);
     help_.CloseHelp();
     std::error_code ignored;

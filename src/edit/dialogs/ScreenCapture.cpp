@@ -116,7 +116,7 @@ void ScreenCapture::Grasp() {
     const bool paste = surroundings_.prompts.Ask({"Paste the image captured?", PromptButtons::YesNo,
                                                   PromptIcon::Question}) == Answer::Yes;
     StopCapture(true);
-    if (paste && !ConfirmDiscardExport(session(), surroundings_.prompts)) {
+    if (paste && !ConfirmDiscardExport(session().ExportChanged, surroundings_.prompts)) {
         // The main window stays minimised until the user restores it.
         CloseWindow();
         return;
