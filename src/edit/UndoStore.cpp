@@ -51,12 +51,12 @@ void UndoStore::Save() {
     if (session_.UndoPosition < kLastSnapshot) ++session_.UndoPosition;
     session_.UndoTop = session_.UndoPosition;
     const std::string path = SnapshotPath(session_.UndoPosition);
-    if (!WriteSnapshot(exportPane_.Image(), path)) {
-        // What is there under that number belongs to a branch that has just been given up: an Undo must not
-        // bring it back.
-        std::error_code ignored;
-        fs::remove(path, ignored);
-    }
+    // What is there under that number belongs to a branch that has just been given up: an Undo must not bring
+    // it back where the disk is full. Nor is there anything to wait for, as there is before a file is
+    // replaced.
+    std::error_code ignored;
+    fs::remove(path, ignored);
+    Ignore(WriteSnapshot(exportPane_.Image(), path));
     metadata_[session_.UndoPosition] = exportPane_.Image().Meta();
     session_.UndoPending = false;
     host_.SetImageTool(kUndoButton, true);
