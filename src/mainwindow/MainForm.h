@@ -182,7 +182,8 @@ class MainForm final : public QMainWindow,
     DesktopServices services_;
     FaceLayout faces_;
     bool SplitterDrag_ = false;
-    bool keyPreview_ = true;  ///< keys reach the window before the control that has the focus
+    std::int64_t progressShownAt_ = 0;  ///< when the bar of the effects was painted last, in the clock's time
+    bool keyPreview_ = true;            ///< keys reach the window before the control that has the focus
 
     std::unique_ptr<MainMenu> menus_;
     std::unique_ptr<Browser> browser_;

@@ -12,6 +12,8 @@
 namespace tessara {
 namespace {
 
+constexpr int kProgressInterval = 50;  ///< milliseconds between two states of a progress bar
+
 /// The branches of the menu that open as pop-ups.
 struct PopUp {
     std::string_view selector;
@@ -166,12 +168,17 @@ void MainForm::ShowProgress(int Max, bool On) {
     if (On) {
         ProgressBarS_[1]->setRange(0, Max);
         ProgressBarS_[1]->setValue(0);
+        progressShownAt_ = services_.clock.Now();
     }
     ProgressBarS_[1]->setVisible(On);
     BusyCursor(On);
 }
 
 void MainForm::SetProgress(int value) {
+    // Painting the bar for each row of a picture would take longer than most effects do.
+    const std::int64_t now = services_.clock.Now();
+    if (now - progressShownAt_ < kProgressInterval) return;
+    progressShownAt_ = now;
     ProgressBarS_[1]->setValue(value);
     ProgressBarS_[1]->repaint();
 }
