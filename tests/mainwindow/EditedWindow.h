@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QApplication>
+#include <functional>
+#include <string>
+
+#include "mainwindow/MainForm.h"
+#include "tests/Support.h"
+
+namespace tessara::test {
+
+/// The whole main window over given questions and a given clipboard, as it is after a start; its private
+/// files are in a folder of their own.
+class EditedWindow {
+  public:
+    EditedWindow(Prompts& prompts, Clipboard& clipboard) : clipboard_(clipboard), prompts_(prompts) {
+        session.AppPath = session.DesktopPath = session.DocumentsPath = folder.Path();
+        shell_.drives = {{"/", "/ [File System]"}};
+        if (!form.Form_Load()) throw std::runtime_error("the window would not start");
+    }
+
+    RastxPane& Pane(int index) { return form.rastx1(index); }
+    const Picture& Import() { return Pane(0).rastx().Image(); }
+    const Picture& Export() { return Pane(1).rastx().Image(); }
+    /// Chooses an entry of the menus; one that is disabled does nothing.
+    void Choose(std::string_view array, int index) {
+        form.Menus().Item(std::string(array), index)->trigger();
+    }
+    /// What the dialogs' controls are found by, in them and in the window.
+    template <typename Control>
+    static Control& Find(const QObject& parent, const char* name, int index) {
+        auto* const found =
+            parent.findChild<Control*>(QStringLiteral("%1(%2)").arg(QString::fromLatin1(name)).arg(index));
+        if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
+        return *found;
+    }
+
+    TemporaryFolder folder;
+    Session session;
+
+  private:
+    Clipboard& clipboard_;
+    Prompts& prompts_;
+    ScriptedShell shell_;
+    ScriptedScreen screen_;
+    ScriptedClock clock_;
+    ScriptedRandom random_;
+    ScriptedLinkOpener links_;
+
+  public:
+    MainForm form{session, {prompts_, shell_, clipboard_, screen_, clock_, random_, links_}};
+};
+
+}  // namespace tessara::test
