@@ -16,7 +16,7 @@ install_packages() {
         apt-get install -q -y --no-install-recommends "${missing[@]}" >&2
 }
 
-# build PRESET: quiet unless something is built or fails
+# build PRESET [TARGET]: quiet unless something is built or fails
 build() {
     local preset=$1 log
     log=$(mktemp)
@@ -26,8 +26,8 @@ build() {
         return 1
     fi
     rm -f "$log"
-    if ninja -C "$root/build/$preset" -n 2>/dev/null | grep -q 'no work to do'; then
+    if ninja -C "$root/build/$preset" -n "${@:2}" 2>/dev/null | grep -q 'no work to do'; then
         return
     fi
-    ninja -C "$root/build/$preset" >&2
+    ninja -C "$root/build/$preset" "${@:2}" >&2
 }
