@@ -157,7 +157,8 @@ struct NewFile {
 }  // namespace
 
 Result<FileBytes> FileBytes::Read(const std::string& path) {
-    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    // A pipe would wait for a writer to come; files do not mind.
+    const FileDescriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat status {};
     if (!file.Valid() || fstat(file.Number(), &status) != 0) return CannotRead(SystemMessage());
     if (!S_ISREG(status.st_mode)) return CannotRead("not a file");
