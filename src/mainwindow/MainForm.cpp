@@ -113,10 +113,11 @@ void MainForm::WatchMouse() {
 }
 
 void MainForm::MakeFrames() {
-    // What is made first lies below what comes later: the frames of the panes reach under the bars.
+    // What is made first lies below what comes later: the frames of the panes and the strip reach under the
+    // bars.
     MakePanes();
-    MakeBars();
     MakeStrip();
+    MakeBars();
     MakeBrowsing();
     for (int i : {0, 1, 2}) PictureBLKCHG_[i] = new DragGhost(Indexed("PictureBLKCHG", i), FrameS_);
 }
