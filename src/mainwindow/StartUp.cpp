@@ -49,7 +49,7 @@ bool MainForm::DisplayAccepted() {
 
 bool MainForm::Form_Load() {
     SetObjFalse();
-    Ignore(browser_->FileViewFile.SetPath(session_.AppPath));
+    SetImageCommandsEnabled(false);
     if (!DisplayAccepted()) return false;
     {
         SplashForm splash;
@@ -65,7 +65,10 @@ bool MainForm::Form_Load() {
         session_.formats.SetFormats();
         box_->SaveGetComBox(true);
         undo_->UndoRefresh("KILL");
+        // The first folder that is entered is the first that is listed: before the options are read nobody
+        // knows which files to list, and a list of the same folder would not be made anew.
         Getdefault(session_, *this, true);
+        if (session_.StartFolderBad) Ignore(browser_->FileViewFile.SetPath(session_.AppPath));
         SetmnFile();
         SlideOptionsFile(session_, false);
         CheckPaste();
