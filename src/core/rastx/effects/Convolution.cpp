@@ -111,9 +111,7 @@ Result<Picture> BoxFilter(const Picture& picture, int radius, const EffectRun& r
     const std::span<Pixel> pixels = target.MutablePixels();
     const int height = picture.Height();
     const auto width = static_cast<std::size_t>(picture.Width());
-    const auto bytes = [&](int y) {
-        return reinterpret_cast<const std::uint8_t*>(picture.Row(std::clamp(y, 0, height - 1)).data());
-    };
+    const auto bytes = [&](int y) { return BytesOf(picture.Row(std::clamp(y, 0, height - 1))); };
     // A band begins with the sums of a whole window, so it should be several windows high.
     const int bandRows = std::max(RowsPerThread(picture.Width()), 4 * radius);
     ParallelRows(height, run.threads, bandRows, [&](int begin, int end) {
@@ -161,8 +159,7 @@ Result<Picture> BoxBlur(const Picture& picture, int radius, const EffectRun& run
 Result<Picture> HighPass(const Picture& picture, const EffectRun& run) {
     const int radius = std::clamp(std::min(picture.Width(), picture.Height()) / 40, 2, 1000);
     return BoxFilter(picture, radius, run, [&](int y, std::span<Pixel> row) {
-        RaiseDetail(reinterpret_cast<const std::uint8_t*>(picture.Row(y).data()), 4 * row.size(),
-                    BytesOf(row));
+        RaiseDetail(BytesOf(picture.Row(y)), 4 * row.size(), BytesOf(row));
     });
 }
 

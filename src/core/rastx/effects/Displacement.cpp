@@ -95,20 +95,20 @@ int Mirrored(int position, int side) {
     return position < side ? position : 2 * side - 1 - position;
 }
 
-/// Random neighbours; the offsets are taken from the two halves of one random number.
-TESSARA_MULTIVERSION void DiffuseRow(const std::uint8_t* __restrict source, int width, int height, int y,
-                                     int depth, std::uint32_t start, std::uint8_t* __restrict out) {
+/// Where the random neighbours of a run of pixels lie; the two halves of one random number choose the column
+/// and the row.
+TESSARA_MULTIVERSION void ChooseNeighbours(int width, int height, int x, int y, int depth,
+                                           std::uint32_t start, int count, int* offsets) {
     const auto choices = static_cast<std::uint32_t>(2 * depth + 1);
-    for (int x = 0; x < width; ++x) {
-        const std::uint32_t random = RandomOf(start + static_cast<std::uint32_t>(x));
-        int column = x - depth + static_cast<int>(((random & 0xffff) * choices) >> 16);
+    for (int i = 0; i < count; ++i) {
+        const std::uint32_t random = RandomOf(start + static_cast<std::uint32_t>(x + i));
+        int column = x + i - depth + static_cast<int>(((random & 0xffff) * choices) >> 16);
         int row = y - depth + static_cast<int>(((random >> 16) * choices) >> 16);
         column = column < 0 ? 0 : column;
         column = column > width - 1 ? width - 1 : column;
         row = row < 0 ? 0 : row;
         row = row > height - 1 ? height - 1 : row;
-        StorePixel(out + 4 * static_cast<std::ptrdiff_t>(x),
-                   LoadPixel(source + 4 * static_cast<std::ptrdiff_t>(row * width + column)));
+        offsets[i] = row * width + column;
     }
 }
 
@@ -181,8 +181,8 @@ void DrawTiles(const Picture& picture, const Tiles& tiles, int tileRow, int y, s
         const int begin = std::max(left, -shift);
         const int end = std::min(right, picture.Width() - shift);
         if (begin < end)
-            std::ranges::copy(picture.Row(sourceY).subspan(Index(begin), Index(end - begin)),
-                              out.begin() + begin + shift);
+            CopyPixels(picture.Row(sourceY).subspan(Index(begin), Index(end - begin)),
+                       &out[Index(begin + shift)]);
     }
 }
 
@@ -267,8 +267,7 @@ Result<Picture> ShakeUpDown(const Picture& picture, float amount, const EffectRu
         for (std::size_t begin = 0, end = 0; begin < row.size(); begin = end) {
             while (end < row.size() && offsets[end] == offsets[begin]) ++end;
             const auto source = picture.Row(Mirrored(y + offsets[begin], picture.Height()));
-            std::ranges::copy(source.subspan(begin, end - begin),
-                              row.begin() + static_cast<std::ptrdiff_t>(begin));
+            CopyPixels(source.subspan(begin, end - begin), &row[begin]);
         }
     });
 }
@@ -281,10 +280,10 @@ Result<Picture> ShakeLeftRight(const Picture& picture, float amount, const Effec
         const int offset = offsets[Index(y)];
         const auto missing = Index(std::abs(offset));
         if (offset >= 0) {
-            std::ranges::copy(source.subspan(missing), row.begin());
+            CopyPixels(source.subspan(missing), row.data());
             std::ranges::reverse_copy(source.last(missing), row.last(missing).begin());
         } else {
-            std::ranges::copy(source.first(Index(width) - missing), row.begin() - offset);
+            CopyPixels(source.first(Index(width) - missing), &row[missing]);
             std::ranges::reverse_copy(source.first(missing), row.begin());
         }
     });
@@ -303,10 +302,16 @@ Picture Wind(Picture picture, int depth, const EffectRun& run) {
 Result<Picture> Diffuse(const Picture& picture, int depth, const EffectRun& run) {
     depth = std::clamp(depth, 0, 1000);
     if (depth == 0) return picture;
-    const auto* source = reinterpret_cast<const std::uint8_t*>(picture.Pixels().data());
+    const Pixel* source = picture.Pixels().data();
     return MakeRows(picture, picture.Width(), picture.Height(), run, [&](std::span<Pixel> row, int y) {
-        DiffuseRow(source, picture.Width(), picture.Height(), y, depth,
-                   RandomStart(run.seed, static_cast<std::uint32_t>(y)), BytesOf(row));
+        constexpr int kAtOnce = 256;
+        int offsets[kAtOnce];
+        const std::uint32_t start = RandomStart(run.seed, static_cast<std::uint32_t>(y));
+        for (int x = 0; x < picture.Width(); x += kAtOnce) {
+            const int count = std::min(kAtOnce, picture.Width() - x);
+            ChooseNeighbours(picture.Width(), picture.Height(), x, y, depth, start, count, offsets);
+            for (int i = 0; i < count; ++i) row[Index(x + i)] = source[offsets[i]];
+        }
     });
 }
 

@@ -156,7 +156,7 @@ Result<Picture> NeonTrace(const Picture& picture, const EffectRun& run) {
     Picture edges = ChangeByNeighbours(picture, run, NeonRow);
     TRY_ASSIGN(const Picture glow, BoxBlur(edges, radius, run));
     return ChangeRows(std::move(edges), run, [&](std::span<Pixel> row, int y) {
-        const auto* light = reinterpret_cast<const std::uint8_t*>(glow.Row(y).data());
+        const auto* light = BytesOf(glow.Row(y));
         AddGlowRow(light, 4 * row.size(), BytesOf(row));
         KeepAlpha(light, row);
     });

@@ -217,7 +217,7 @@ Canvas::Canvas(Picture picture) {
 }
 
 void PaddedRow::Load(std::span<const Pixel> row) {
-    std::ranges::copy(row, pixels_.begin() + 1);
+    CopyPixels(row, &pixels_[1]);
     pixels_.front() = row.front();
     pixels_.back() = row.back();
 }

@@ -39,6 +39,13 @@ inline int RowsPerThread(int width) {
 inline std::uint8_t* BytesOf(std::span<Pixel> pixels) {
     return reinterpret_cast<std::uint8_t*>(pixels.data());
 }
+inline const std::uint8_t* BytesOf(std::span<const Pixel> pixels) {
+    return reinterpret_cast<const std::uint8_t*>(pixels.data());
+}
+/// The range algorithms copy pixel by pixel.
+inline void CopyPixels(std::span<const Pixel> pixels, Pixel* out) {
+    std::memcpy(static_cast<void*>(out), pixels.data(), pixels.size_bytes());
+}
 
 TESSARA_ALWAYS_INLINE std::uint32_t LoadPixel(const std::uint8_t* bytes) {
     std::uint32_t value;
@@ -102,7 +109,7 @@ Picture ChangeRows(Picture picture, const EffectRun& run, const Rule& rule) {
     ParallelRows(canvas.Height(), run.threads, RowsPerThread(width), [&](int begin, int end) {
         for (int y = begin; y < end; ++y) {
             const std::span<Pixel> row = canvas.Target(y);
-            if (!canvas.InPlace()) std::ranges::copy(canvas.Source(y), row.begin());
+            if (!canvas.InPlace()) CopyPixels(canvas.Source(y), row.data());
             rule(row, y);
         }
     });

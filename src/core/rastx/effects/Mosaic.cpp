@@ -29,6 +29,47 @@ Pixel MeanOf(const std::uint32_t* sums, int width, std::uint64_t opaque) {
     return {mean(total[0]), mean(total[1]), mean(total[2]), 255};
 }
 
+TESSARA_MULTIVERSION void PaintRow(const std::uint8_t* __restrict colors, std::size_t length,
+                                   std::uint8_t* __restrict row) {
+    for (std::size_t i = 0; i < length; i += 4)
+        StorePixel(row + i, (LoadPixel(colors + i) & kColorBits) | (LoadPixel(row + i) & kAlphaBits));
+}
+
+/// Paints cells side by side, few enough for their sums to stay in the nearest cache.
+class CellPainter {
+  public:
+    CellPainter(const Canvas& canvas, int cellWidth, bool alpha)
+        : canvas_(canvas), cellWidth_(cellWidth), alpha_(alpha) {}
+
+    void Paint(int left, int right, int top, int bottom) {
+        const auto first = static_cast<std::size_t>(left);
+        const auto count = static_cast<std::size_t>(right - left);
+        sums_.assign(4 * count, 0);
+        means_.resize(count);
+        for (int y = top; y < bottom; ++y)
+            (alpha_ ? AddWeightedRow : AddRow)(BytesOf(canvas_.Source(y).subspan(first, count)), 4 * count,
+                                               sums_.data());
+        const auto opaque = static_cast<std::uint64_t>(alpha_ ? 0 : bottom - top);
+        for (int x = 0; x < right - left; x += cellWidth_) {
+            const int width = std::min(cellWidth_, right - left - x);
+            std::fill_n(means_.begin() + x, width,
+                        MeanOf(&sums_[4 * static_cast<std::size_t>(x)], width, opaque));
+        }
+        for (int y = top; y < bottom; ++y) {
+            const std::span<Pixel> row = canvas_.Target(y).subspan(first, count);
+            if (!canvas_.InPlace()) CopyPixels(canvas_.Source(y).subspan(first, count), row.data());
+            PaintRow(BytesOf(std::span<const Pixel>(means_)), 4 * count, BytesOf(row));
+        }
+    }
+
+  private:
+    const Canvas& canvas_;
+    int cellWidth_;
+    bool alpha_;
+    std::vector<std::uint32_t> sums_;
+    std::vector<Pixel> means_;
+};
+
 }  // namespace
 
 Picture Mosaic(Picture picture, int cellWidth, int cellHeight, const EffectRun& run) {
@@ -36,33 +77,16 @@ Picture Mosaic(Picture picture, int cellWidth, int cellHeight, const EffectRun& 
     const int height = picture.Height();
     cellWidth = std::clamp(cellWidth, 1, width);
     cellHeight = std::clamp(cellHeight, 1, std::min(height, 1 << 15));
+    constexpr int kAtOnce = 512;
+    const int atOnce = std::max(1, kAtOnce / cellWidth) * cellWidth;
     const bool alpha = picture.HasAlpha();
     Canvas canvas(std::move(picture));
     const int cellRows = (height + cellHeight - 1) / cellHeight;
     ParallelRows(cellRows, run.threads, RowsPerThread(width) / cellHeight + 1, [&](int begin, int end) {
-        std::vector<std::uint32_t> sums(4 * static_cast<std::size_t>(width));
-        std::vector<Pixel> means(static_cast<std::size_t>(width));
-        for (int cellRow = begin; cellRow < end; ++cellRow) {
-            const int top = cellRow * cellHeight;
-            const int bottom = std::min(top + cellHeight, height);
-            std::ranges::fill(sums, 0u);
-            for (int y = top; y < bottom; ++y)
-                (alpha ? AddWeightedRow : AddRow)(
-                    reinterpret_cast<const std::uint8_t*>(canvas.Source(y).data()), sums.size(), sums.data());
-            for (int left = 0; left < width; left += cellWidth) {
-                const int count = std::min(cellWidth, width - left);
-                const auto rows = static_cast<std::uint64_t>(bottom - top);
-                std::fill_n(means.begin() + left, count,
-                            MeanOf(&sums[4 * static_cast<std::size_t>(left)], count, alpha ? 0 : rows));
-            }
-            for (int y = top; y < bottom; ++y) {
-                std::ranges::transform(means, canvas.Source(y), canvas.Target(y).begin(),
-                                       [](Pixel mean, Pixel pixel) {
-                                           mean.a = pixel.a;
-                                           return mean;
-                                       });
-            }
-        }
+        CellPainter painter(canvas, cellWidth, alpha);
+        for (int top = begin * cellHeight; top < std::min(end * cellHeight, height); top += cellHeight)
+            for (int left = 0; left < width; left += atOnce)
+                painter.Paint(left, std::min(left + atOnce, width), top, std::min(top + cellHeight, height));
     });
     return std::move(canvas).Take();
 }

@@ -3,6 +3,8 @@
 #include <array>
 #include <cmath>
 
+#include "core/rastx/effects/LookUp.h"
+
 namespace tessara::effects {
 namespace {
 
@@ -108,30 +110,6 @@ TESSARA_MULTIVERSION void SolarizeRow(std::uint8_t* bytes, std::size_t length, i
                    [threshold](int value) { return value ^ (((threshold - value) >> 31) & 255); });
 }
 
-/// Tables of a channel's new values, already shifted to the channel's place in the pixel.
-struct ChannelTables {
-    std::uint32_t blue[256], green[256], red[256];
-};
-
-TESSARA_ALWAYS_INLINE std::uint32_t LookUp(std::uint32_t pixel, const ChannelTables& tables) {
-    return tables.blue[pixel & 255] | tables.green[(pixel >> 8) & 255] | tables.red[(pixel >> 16) & 255] |
-           (pixel & kAlphaBits);
-}
-
-/// Two pixels at a time: fewer loads between the look-ups, which no instruction does for many bytes at once.
-void LookUpRow(std::uint8_t* bytes, std::size_t length, const ChannelTables& tables) {
-    std::size_t i = 0;
-    for (; i + 8 <= length; i += 8) {
-        std::uint64_t two;
-        std::memcpy(&two, bytes + i, sizeof two);
-        const std::uint64_t first = LookUp(static_cast<std::uint32_t>(two), tables);
-        const std::uint64_t second = LookUp(static_cast<std::uint32_t>(two >> 32), tables);
-        two = first | (second << 32);
-        std::memcpy(bytes + i, &two, sizeof two);
-    }
-    if (i < length) StorePixel(bytes + i, LookUp(LoadPixel(bytes + i), tables));
-}
-
 struct ColorizeFactors {
     float turn;  ///< of the hue, in twelfths of the circle
     float saturation;
@@ -213,16 +191,12 @@ Picture Contrast(Picture picture, int percent, const EffectRun& run) {
 }
 
 Picture Gamma(Picture picture, float gamma, const EffectRun& run) {
-    ChannelTables tables;
+    ByteTable table;
     const double exponent = 1.0 / std::max(0.01, static_cast<double>(gamma));
-    for (std::size_t i = 0; i < 256; ++i) {
-        const auto value =
-            static_cast<std::uint32_t>(std::lround(255 * std::pow(static_cast<double>(i) / 255, exponent)));
-        tables.blue[i] = value;
-        tables.green[i] = value << 8;
-        tables.red[i] = value << 16;
-    }
-    return ChangeBytes(std::move(picture), run, LookUpRow, tables);
+    for (std::size_t i = 0; i < table.size(); ++i)
+        table[i] =
+            static_cast<std::uint8_t>(std::lround(255 * std::pow(static_cast<double>(i) / 255, exponent)));
+    return ChangeRows(std::move(picture), run, [&](std::span<Pixel> row, int) { LookUpColors(table, row); });
 }
 
 Picture Colorize(Picture picture, int hue, int saturation, int luminance, const EffectRun& run) {
