@@ -53,7 +53,8 @@ struct Window {
     SystemClock clock;
     ScriptedRandom random;
     ScriptedLinkOpener links;
-    MainForm form{session, {prompts, shell, clipboard, screen, clock, random, links}};
+    ScriptedHelpViewer help;
+    MainForm form{session, {prompts, shell, clipboard, screen, clock, random, links, help}};
 };
 
 struct Times {

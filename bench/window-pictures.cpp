@@ -53,7 +53,8 @@ bool WritePicture(const char* folder, const char* file, int row) {
     SystemClock clock;
     SystemRandom random;
     DesktopLinkOpener links;
-    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links});
+    ScriptedHelpViewer help;
+    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links, help});
     if (!form.Form_Load()) return false;
     form.EnterFolder(folder);
     if (row >= 0 && row < form.List().RowCount()) {

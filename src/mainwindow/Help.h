@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "settings/Session.h"
 
@@ -18,6 +19,18 @@ class HelpViewer {
     virtual void DisplayContents(const std::string& page) = 0;
     virtual void DisplayTopic(const std::string& topic) = 0;
     virtual void CloseHelp() = 0;
+};
+
+/// Remembers the topics that were shown.
+class ScriptedHelpViewer final : public HelpViewer {
+  public:
+    std::vector<std::string> topics;
+    bool closed = false;
+
+    void DisplayIndex(const std::string&) override {}
+    void DisplayContents(const std::string&) override {}
+    void DisplayTopic(const std::string& topic) override { topics.push_back(topic); }
+    void CloseHelp() override { closed = true; }
 };
 
 /// The way of the menu and of the dialogs' help buttons to the help.

@@ -34,6 +34,7 @@ class DrivenMainForm : public testing::Test {
     ScriptedClock clock_;
     ScriptedRandom random_;
     ScriptedLinkOpener links_;
+    ScriptedHelpViewer help_;
     std::unique_ptr<MainForm> form_;
 
     DrivenMainForm() {
@@ -46,7 +47,7 @@ class DrivenMainForm : public testing::Test {
 
     bool Load() {
         form_ = std::make_unique<MainForm>(
-            session_, DesktopServices{prompts_, shell_, clipboard_, screen_, clock_, random_, links_});
+            session_, DesktopServices{prompts_, shell_, clipboard_, screen_, clock_, random_, links_, help_});
         return form_->Form_Load();
     }
     /// A picture file as wide as told.

@@ -46,9 +46,10 @@ class EditedWindow {
     ScriptedClock clock_;
     ScriptedRandom random_;
     ScriptedLinkOpener links_;
+    ScriptedHelpViewer help_;
 
   public:
-    MainForm form{session, {prompts_, shell_, clipboard_, screen_, clock_, random_, links_}};
+    MainForm form{session, {prompts_, shell_, clipboard_, screen_, clock_, random_, links_, help_}};
 };
 
 }  // namespace tessara::test
