@@ -17,15 +17,21 @@ bool IsOfTheSystem(const std::string& folder) {
     return folder.starts_with("/usr/");
 }
 
+/// Steps of the user's work lie in it: nobody else reads them. Where it cannot be made, so fail all writes:
+/// the program runs without its settings.
+void MakePrivateFolder(const std::string& folder) {
+    std::error_code failed;
+    if (std::filesystem::create_directories(folder, failed))
+        std::filesystem::permissions(folder, std::filesystem::perms::owner_all, failed);
+}
+
 }  // namespace
 
 std::string AppFolder(const std::string& programFolder, const std::string& userFolder) {
     std::string folder = programFolder;
     if (IsOfTheSystem(folder) || access(folder.c_str(), W_OK | X_OK) != 0) {
         folder = userFolder;
-        // Where this fails, so do all writes: the program runs without its settings.
-        std::error_code failed;
-        std::filesystem::create_directories(folder, failed);
+        MakePrivateFolder(folder);
     }
     if (folder.ends_with('/')) folder.pop_back();
     return folder;
