@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <optional>
 #include <utility>
 
 #include "core/ByteReader.h"
@@ -17,6 +18,8 @@ namespace tessara {
 namespace {
 
 using namespace tiff;
+
+constexpr std::uint64_t kFirstDirectory = 4;  ///< where its offset stands
 
 /// A reader in the byte order of the block.
 class ExifReader {
@@ -45,7 +48,7 @@ class ExifReader {
 };
 
 struct Entry {
-    std::uint32_t tag = 0, type = 0;
+    std::uint32_t tag = 0, type = 0, count = 0;
     std::uint64_t valuePosition = 0;
 };
 
@@ -60,7 +63,7 @@ Directory ReadDirectory(ExifReader& reader, std::uint64_t position) {
     const std::uint32_t count = reader.U16(position);
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint64_t start = position + 2 + i * kEntrySize;
-        const Entry entry{reader.U16(start), reader.U16(start + 2), start + 8};
+        const Entry entry{reader.U16(start), reader.U16(start + 2), reader.U32(start + 4), start + 8};
         reader.U32(entry.valuePosition);
         if (reader.Overrun()) return directory;
         directory.entries.push_back(entry);
@@ -101,6 +104,37 @@ void RemoveThumbnail(ByteVector& block, ExifReader& reader, const Directory& fir
     std::fill_n(block.begin() + static_cast<std::ptrdiff_t>(first.linkPosition), 4, std::uint8_t{0});
     if (length > 0 && start >= first.linkPosition + 4 && start + length == block.size())
         block.resize(static_cast<std::size_t>(start));
+}
+
+/// Nothing where the type is unknown or the values are not there.
+std::optional<ExifEntry> ReadEntry(Bytes block, ExifReader& reader, const Entry& entry) {
+    if (entry.type < 1 || entry.type > std::size(kTypeSizes)) return std::nullopt;
+    const TypeSize size = kTypeSizes[entry.type - 1];
+    const std::uint64_t length = std::uint64_t{entry.count} * size.number * size.numbers;
+    const std::uint64_t position = length <= 4 ? entry.valuePosition : reader.U32(entry.valuePosition);
+    if (position + length > block.size()) return std::nullopt;
+    const Bytes values = block.subspan(static_cast<std::size_t>(position), static_cast<std::size_t>(length));
+    ExifEntry read{static_cast<std::uint16_t>(entry.tag), static_cast<std::uint16_t>(entry.type), entry.count,
+                   ByteVector(values.begin(), values.end())};
+    if (reader.BigEndian())
+        for (auto number = read.values.begin(); number != read.values.end(); number += size.number)
+            std::reverse(number, number + size.number);
+    return read;
+}
+
+bool Describes(std::uint32_t tag) {
+    constexpr std::uint32_t kTags[] = {kImageDescription, kMake,   kModel,    kSoftware,
+                                       kDateTime,         kArtist, kCopyright};
+    return std::ranges::find(kTags, tag) != std::end(kTags);
+}
+
+std::vector<ExifEntry> ReadEntries(Bytes block, ExifReader& reader, std::uint64_t position) {
+    constexpr std::uint32_t kInteroperability = 40965;  // a directory of its own that nothing needs
+    std::vector<ExifEntry> entries;
+    for (const Entry& entry : ReadDirectory(reader, position).entries)
+        if (auto read = ReadEntry(block, reader, entry); read && entry.tag != kInteroperability)
+            entries.push_back(std::move(*read));
+    return entries;
 }
 
 /// Where pixel (x, y) of a stored picture belongs: at origin + x * alongX + y * alongY of the upright one.
@@ -152,7 +186,7 @@ ExifFields ReadExif(Bytes block) {
     if (!reader.Valid()) return fields;
     constexpr std::uint32_t kCentimetre = 3;
     std::uint32_t unit = 2;  // inch, where nothing is said
-    for (const Entry& entry : ReadDirectory(reader, reader.U32(4)).entries) {
+    for (const Entry& entry : ReadDirectory(reader, reader.U32(kFirstDirectory)).entries) {
         if (entry.tag == kOrientation) fields.orientation = static_cast<int>(IntegerOf(reader, entry));
         if (entry.tag == kXResolution) fields.resolution.x = RationalOf(reader, entry);
         if (entry.tag == kYResolution) fields.resolution.y = RationalOf(reader, entry);
@@ -164,11 +198,26 @@ ExifFields ReadExif(Bytes block) {
     return fields;
 }
 
+ExifDirectories ReadExifDirectories(Bytes block) {
+    ExifDirectories directories;
+    ExifReader reader(block);
+    if (!reader.Valid()) return directories;
+    for (const Entry& entry : ReadDirectory(reader, reader.U32(kFirstDirectory)).entries) {
+        if (entry.tag == kPhotoDirectory)
+            directories.photo = ReadEntries(block, reader, IntegerOf(reader, entry));
+        else if (entry.tag == kPlaceDirectory)
+            directories.place = ReadEntries(block, reader, IntegerOf(reader, entry));
+        else if (auto read = ReadEntry(block, reader, entry); read && Describes(entry.tag))
+            directories.image.push_back(std::move(*read));
+    }
+    return directories;
+}
+
 ByteVector UprightExif(Bytes block) {
     ExifReader reader(block);
     if (!reader.Valid()) return {};
     ByteVector upright(block.begin(), block.end());
-    const Directory directory = ReadDirectory(reader, reader.U32(4));
+    const Directory directory = ReadDirectory(reader, reader.U32(kFirstDirectory));
     for (const Entry& entry : directory.entries)
         if (entry.tag == kOrientation && entry.type == kShort)
             SetU16(upright, reader.BigEndian(), entry.valuePosition, 1);

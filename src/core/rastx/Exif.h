@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
+#include <vector>
 
 #include "core/Bytes.h"
 #include "core/Result.h"
@@ -20,6 +22,22 @@ ExifFields ReadExif(Bytes block);
 /// The block for a picture that has been turned upright: orientation 1, and without the thumbnail, which
 /// would still lie on its side. Empty where the block is none.
 ByteVector UprightExif(Bytes block);
+
+/// An entry of a directory, with its values in little endian.
+struct ExifEntry {
+    std::uint16_t tag, type;
+    std::uint32_t count;
+    ByteVector values;
+};
+
+/// What a block tells of a picture apart from how to show it; for a format with directories of its own.
+struct ExifDirectories {
+    std::vector<ExifEntry> image;  ///< maker, model, date, author and the like
+    std::vector<ExifEntry> photo;  ///< how it was taken
+    std::vector<ExifEntry> place;  ///< where
+};
+/// Entries whose values lie outside of the block are left out.
+ExifDirectories ReadExifDirectories(Bytes block);
 
 /// Whether showing a picture of this orientation upright swaps its width and height.
 constexpr bool SwapsSides(int orientation) {

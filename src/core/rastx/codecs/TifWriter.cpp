@@ -4,6 +4,7 @@
 
 #include "core/Multiversion.h"
 #include "core/ZlibPacker.h"
+#include "core/rastx/Exif.h"
 #include "core/rastx/Rows.h"
 #include "core/rastx/TiffTags.h"
 #include "core/rastx/codecs/Tif.h"
@@ -122,7 +123,7 @@ Result<Strips> WriteStrips(const Picture& picture, Samples samples, ByteSink& si
     return strips;
 }
 
-/// Gathers the entries of a directory; they must be added in the order of their tags.
+/// Gathers the entries of a directory, in any order.
 class Directory {
   public:
     void Add(Tag tag, Type type, const std::vector<std::uint32_t>& values) {
@@ -132,20 +133,25 @@ class Directory {
         entries_.push_back({tag, type, static_cast<std::uint32_t>(count), data.TakeBytes()});
     }
 
-    /// Writes values of more than four bytes, then the entries, and tells where these begin.
-    Result<std::uint32_t> Write(ByteSink& sink) const {
+    void Add(const std::vector<ExifEntry>& entries) {
+        entries_.insert(entries_.end(), entries.begin(), entries.end());
+    }
+
+    /// Writes values of more than four bytes, then the entries by their tags, and tells where these begin.
+    Result<std::uint32_t> Write(ByteSink& sink) {
+        std::ranges::stable_sort(entries_, {}, &ExifEntry::tag);
         std::uint64_t end = sink.Position();
         ByteWriter values;
         ByteWriter table;
         if (end % 2 != 0) values.U8(0);
         table.U16Le(static_cast<std::uint32_t>(entries_.size()));
-        for (const Entry& entry : entries_) {
+        for (const ExifEntry& entry : entries_) {
             table.U16Le(entry.tag).U16Le(entry.type).U32Le(entry.count);
-            if (entry.data.size() <= 4) {
-                table.Append(entry.data).Zeros(4 - entry.data.size());
+            if (entry.values.size() <= 4) {
+                table.Append(entry.values).Zeros(4 - entry.values.size());
             } else {
                 table.U32Le(static_cast<std::uint32_t>(end + values.Size()));
-                values.Append(entry.data).Zeros(entry.data.size() % 2);
+                values.Append(entry.values).Zeros(entry.values.size() % 2);
             }
         }
         table.U32Le(0);
@@ -157,13 +163,7 @@ class Directory {
     }
 
   private:
-    struct Entry {
-        Tag tag;
-        Type type;
-        std::uint32_t count;
-        ByteVector data;
-    };
-    std::vector<Entry> entries_;
+    std::vector<ExifEntry> entries_;
 };
 
 /// A number of dots per inch as a fraction.
@@ -202,13 +202,31 @@ Directory Describe(const Picture& picture, Samples samples, const Strips& strips
     return directory;
 }
 
+/// Adds what a picture carries of its taking; directories of their own are written at once.
+Result<void> AddExif(Bytes block, Directory& directory, ByteSink& sink) {
+    const ExifDirectories exif = ReadExifDirectories(block);
+    directory.Add(exif.image);
+    const auto addOwn = [&](Tag tag, const std::vector<ExifEntry>& entries) -> Result<void> {
+        if (entries.empty()) return {};
+        Directory own;
+        own.Add(entries);
+        TRY_ASSIGN(const std::uint32_t start, own.Write(sink));
+        directory.Add(tag, kLong, {start});
+        return {};
+    };
+    TRY(addOwn(kPhotoDirectory, exif.photo));
+    return addOwn(kPlaceDirectory, exif.place);
+}
+
 }  // namespace
 
 Result<void> EncodeTif(const Picture& picture, const EncodeOptions&, ByteSink& sink) {
     TRY(sink.Write(ByteWriter().Text("II").U16Le(42).U32Le(0).Written()));
     const Samples samples = SamplesFor(picture);
     TRY_ASSIGN(const Strips strips, WriteStrips(picture, samples, sink));
-    TRY_ASSIGN(const std::uint32_t start, Describe(picture, samples, strips).Write(sink));
+    Directory directory = Describe(picture, samples, strips);
+    if (const auto& exif = picture.Meta().exif) TRY(AddExif(*exif, directory, sink));
+    TRY_ASSIGN(const std::uint32_t start, directory.Write(sink));
     return sink.Overwrite(kDirectoryOffset, ByteWriter().U32Le(start).Written());
 }
 

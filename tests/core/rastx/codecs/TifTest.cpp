@@ -4,6 +4,7 @@
 
 #include "core/ByteReader.h"
 #include "core/ByteSink.h"
+#include "core/rastx/Exif.h"
 #include "tests/Support.h"
 
 namespace tessara {
@@ -511,6 +512,37 @@ TEST(Tif, WritesPicturesOfManyStrips) {
     EXPECT_NEAR(read.Meta().resolution.x, 71.98, 1e-4);
     const Picture translucent = test::PhotoLikeWithAlpha(601, 601);
     EXPECT_EQ(test::LargestDifference(Must(DecodeTif(Written(translucent), {})), translucent), 0);
+}
+
+TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
+    // Big endian: a maker, an orientation, a directory with an exposure of 1/60, one with a latitude "N".
+    const ByteVector exif =
+        Hex("4D4D002A 00000008 0004"
+            "010F 0002 00000006 0000003E  0112 0003 00000001 00010000"
+            "8769 0004 00000001 00000044  8825 0004 00000001 0000005E 00000000"
+            "43616D6572 00"
+            "0001 829A 0005 00000001 00000056 00000000 00000001 0000003C"
+            "0001 0001 0002 00000002 4E000000 00000000");
+    Picture picture = Draw("RGB");
+    picture.SetMeta({{}, std::make_shared<const ByteVector>(exif)});
+    // A TIFF begins like an EXIF block, so the same reader finds what was written.
+    const ByteVector file = Written(picture);
+    const ExifDirectories written = ReadExifDirectories(file);
+    ASSERT_EQ(written.image.size(), 1u);
+    EXPECT_EQ(written.image[0].values, Hex("43616D6572 00"));
+    ASSERT_EQ(written.photo.size(), 1u);
+    EXPECT_EQ(written.photo[0].tag, 0x829a);
+    EXPECT_EQ(written.photo[0].values, Hex("01000000 3C000000")) << "numbers are little endian now";
+    ASSERT_EQ(written.place.size(), 1u);
+    EXPECT_EQ(written.place[0].values, Hex("4E00"));
+    EXPECT_EQ(Sketch(Must(DecodeTif(file, {}))), "RGB");
+    // A block that is cut anywhere costs entries, not the picture.
+    for (std::size_t length = 0; length < exif.size(); ++length) {
+        picture.SetMeta({{},
+                         std::make_shared<const ByteVector>(
+                             exif.begin(), exif.begin() + static_cast<std::ptrdiff_t>(length))});
+        EXPECT_EQ(Sketch(Must(DecodeTif(Written(picture), {}))), "RGB") << length;
+    }
 }
 
 }  // namespace
