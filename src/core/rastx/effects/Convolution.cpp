@@ -74,6 +74,17 @@ TESSARA_MULTIVERSION void MoveColumnSums(const std::uint8_t* added, const std::u
         sums[i] += static_cast<std::uint32_t>(added[i]) - static_cast<std::uint32_t>(dropped[i]);
 }
 
+/// The same where colours count by their alpha.
+TESSARA_MULTIVERSION void MoveWeightedColumnSums(const std::uint8_t* added, const std::uint8_t* dropped,
+                                                 std::size_t length, std::uint32_t* __restrict sums) {
+    for (std::size_t i = 0; i < length; i += 4) {
+        const std::uint32_t more = added[i + 3];
+        const std::uint32_t less = dropped[i + 3];
+        for (std::size_t c = 0; c < 3; ++c) sums[i + c] += added[i + c] * more - dropped[i + c] * less;
+        sums[i + 3] += more - less;
+    }
+}
+
 TESSARA_MULTIVERSION void RaiseDetail(const std::uint8_t* source, std::size_t length,
                                       std::uint8_t* __restrict mean) {
     for (std::size_t i = 0; i < length; ++i)
@@ -104,6 +115,23 @@ TESSARA_MULTIVERSION void WriteMeans(const std::uint32_t* columns, int radius, i
     }
 }
 
+/// The same of weighted sums.
+void WriteWeightedMeans(const std::uint32_t* columns, int radius, int width, std::uint8_t* out) {
+    std::uint64_t sums[4] = {};
+    const auto move = [&](int added, int dropped) {
+        for (int c = 0; c < 4; ++c)
+            sums[c] += columns[4 * added + c] - std::uint64_t{columns[4 * dropped + c]};
+    };
+    for (int x = -radius - 1; x < radius; ++x)
+        for (int c = 0; c < 4; ++c) sums[c] += columns[4 * x + c];
+    for (int x = 0; x < width; ++x) {
+        move(x + radius, x - radius - 1);
+        const std::uint64_t weight = std::max<std::uint64_t>(sums[3], 1);
+        for (int c = 0; c < 3; ++c)
+            out[4 * x + c] = static_cast<std::uint8_t>((sums[c] + weight / 2) / weight);
+    }
+}
+
 /// Calls `finish(y, row)` for each row of means.
 template <typename Finish>
 Result<Picture> BoxFilter(const Picture& picture, int radius, const EffectRun& run, const Finish& finish) {
@@ -112,6 +140,8 @@ Result<Picture> BoxFilter(const Picture& picture, int radius, const EffectRun& r
     const int height = picture.Height();
     const auto width = static_cast<std::size_t>(picture.Width());
     const auto bytes = [&](int y) { return BytesOf(picture.Row(std::clamp(y, 0, height - 1))); };
+    const auto moveSums = picture.HasAlpha() ? MoveWeightedColumnSums : MoveColumnSums;
+    const auto writeMeans = picture.HasAlpha() ? WriteWeightedMeans : WriteMeans;
     // A band begins with the sums of a whole window, so it should be several windows high.
     const int bandRows = std::max(RowsPerThread(picture.Width()), 4 * radius);
     ParallelRows(height, run.threads, bandRows, [&](int begin, int end) {
@@ -120,15 +150,15 @@ Result<Picture> BoxFilter(const Picture& picture, int radius, const EffectRun& r
         std::vector<std::uint32_t> padded(4 * width + 2 * margin);
         const std::span<std::uint32_t> sums = std::span(padded).subspan(margin, 4 * width);
         for (int y = begin - radius - 1; y < begin + radius; ++y)
-            MoveColumnSums(bytes(y), nothing.data(), sums.size(), sums.data());
+            moveSums(bytes(y), nothing.data(), sums.size(), sums.data());
         for (int y = begin; y < end; ++y) {
-            MoveColumnSums(bytes(y + radius), bytes(y - radius - 1), sums.size(), sums.data());
+            moveSums(bytes(y + radius), bytes(y - radius - 1), sums.size(), sums.data());
             const auto row = pixels.subspan(static_cast<std::size_t>(y) * width, width);
             for (std::size_t i = 0; i < margin; ++i) {
                 padded[i] = sums[i % 4];
                 padded[margin + sums.size() + i] = sums[sums.size() - 4 + i % 4];
             }
-            WriteMeans(sums.data(), radius, picture.Width(), BytesOf(row));
+            writeMeans(sums.data(), radius, picture.Width(), BytesOf(row));
             finish(y, row);
             KeepAlpha(bytes(y), row);
         }

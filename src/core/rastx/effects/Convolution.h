@@ -2,7 +2,8 @@
 
 #include "core/rastx/effects/Kernel.h"
 
-/// Smoothing and sharpening over small windows. All leave alpha alone.
+/// Smoothing and sharpening over small windows. All leave alpha alone; what is
+/// transparent lends its colour to no neighbour.
 namespace tessara::effects {
 
 /// The mean of the 3x3 window.

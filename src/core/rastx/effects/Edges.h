@@ -2,7 +2,8 @@
 
 #include "core/rastx/effects/Kernel.h"
 
-/// Edges and reliefs. All leave alpha alone.
+/// Edges and reliefs. All leave alpha alone; what is
+/// transparent lends its colour to no neighbour.
 namespace tessara::effects {
 
 /// Dark lines on white.

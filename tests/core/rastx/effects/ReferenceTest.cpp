@@ -62,6 +62,36 @@ TEST(Effect, ConvolutionsAreThoseOfTheirKernels) {
     }
 }
 
+// Hidden greens beside a visible pixel; nothing of them may show.
+TEST(Effect, WindowsTakeNoColourFromTransparentPixels) {
+    const Pixel grey{100, 100, 100, 255};
+    Picture source = Must(Picture::Create(5, 4, Pixel{0, 255, 0, 0}, Alpha::Straight));
+    source.MutableRow(1)[1] = source.MutableRow(1)[2] = grey;
+    for (const auto& effect : {effects::Blur, effects::Soften, effects::Sharpen, effects::AntiAlias,
+                               effects::EnhanceEdge, effects::EmbossColor}) {
+        const Picture result = effect(source, {});
+        EXPECT_EQ(result.At(1, 1), grey);
+        EXPECT_EQ(result.At(2, 1), grey);
+    }
+    EXPECT_EQ(Must(effects::BoxBlur(source, 2, {})).At(1, 1), grey);
+    EXPECT_EQ(Must(effects::HighPass(source, {})).At(1, 1), Grey(128));
+    EXPECT_EQ(effects::FindEdges(source, {}).At(1, 1), kWhite);
+}
+
+TEST(Effect, WindowsTakeTheColourOfHalfTransparentPixelsByTheirAlpha) {
+    Picture source = Must(Picture::Create(2, 1, Alpha::Straight));
+    source.MutableRow(0)[0] = {100, 100, 100, 255};
+    source.MutableRow(0)[1] = {190, 190, 190, 128};
+    const Picture blurred = effects::Blur(source, {});
+    // Six times 100, and three times 100 + 90 * 128 / 255; three times 100 and six times 190.
+    EXPECT_EQ(blurred.At(0, 0), (Pixel{115, 115, 115, 255}));
+    EXPECT_EQ(blurred.At(1, 0), (Pixel{160, 160, 160, 128}));
+    const Picture boxed = Must(effects::BoxBlur(source, 1, {}));
+    // (6 * 255 * 100 + 3 * 128 * 190) / (6 * 255 + 3 * 128) and the other way round.
+    EXPECT_EQ(boxed.At(0, 0), (Pixel{118, 118, 118, 255}));
+    EXPECT_EQ(boxed.At(1, 0), (Pixel{145, 145, 145, 128}));
+}
+
 TEST(Effect, BoxBlurIsTheMeanOfItsWindow) {
     const Picture source = PhotoLike(40, 33);
     for (const int radius : {1, 4, 60}) {
