@@ -42,6 +42,7 @@ MainForm::MainForm(Session& session, const DesktopServices& services)
     setObjectName(QStringLiteral("MainForm"));
     setMinimumSize(kSmallestWindow);
     setCentralWidget(client_);
+    setAcceptDrops(true);
     FrameS_->setObjectName(QStringLiteral("FrameS"));
     connect(toolbar_, &Toolbar::Imagetool_Click, this, &MainForm::Imagetool_Click);
     menus_ = std::make_unique<MainMenu>(

@@ -145,6 +145,8 @@ class MainForm final : public QMainWindow,
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
@@ -169,6 +171,8 @@ class MainForm final : public QMainWindow,
     void mTransform_Click(int Index);
     void mHelp_Click(int Index);
     void mnOptions_Click();
+    /// Enters a folder, or a file's folder and shows the file.
+    void GoToFile(const std::string& path);
     void Loaddialog1();
     void LoadDialog2();
     void Convert();

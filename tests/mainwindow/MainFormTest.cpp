@@ -1,5 +1,8 @@
+#include <QDropEvent>
+#include <QMimeData>
 #include <QTabWidget>
 #include <QTimer>
+#include <QUrl>
 
 #include "settings/RecentPaths.h"
 #include "settings/SettingsFile.h"
@@ -166,6 +169,38 @@ TEST_F(MainFormTest, ClosingKeepsAnUnsavedExportImageAndTheRecentPaths) {
     EXPECT_EQ(Asked(), Names(2, "The Export Image has been changed and not saved. Continue anyway?"));
     EXPECT_EQ(ReadRecentPaths(recent_), (Names{app_, disk_ + "/photos"}));
     EXPECT_FALSE(fs::exists(app_ + "/Xptemp.ico"));
+}
+
+TEST_F(MainFormTest, FilesFoldersAndPicturesCanBeDropped) {
+    MakePicture("photos/a.bmp", 3);
+    MakePicture("photos/b \xC3\xA4.bmp", 4);
+    ASSERT_TRUE(Load());
+    const auto drop = [&](const QMimeData& data) {
+        QDragEnterEvent enter({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(form_.get(), &enter);
+        if (!enter.isAccepted()) return false;
+        QDropEvent event({5, 5}, Qt::CopyAction, &data, Qt::LeftButton, {});
+        return QApplication::sendEvent(form_.get(), &event);
+    };
+    const auto urls = [](const std::string& path) {
+        auto data = std::make_unique<QMimeData>();
+        data->setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+        return data;
+    };
+    EXPECT_TRUE(drop(*urls(disk_ + "/photos/b \xC3\xA4.bmp")));
+    EXPECT_EQ(Rows(), (Names{"a.bmp", "b \xC3\xA4.bmp"}));
+    EXPECT_EQ(PaneWidths(), std::pair(4, 4));
+    EXPECT_TRUE(drop(*urls(disk_)));
+    EXPECT_EQ(form_->Box().Text(), disk_);
+
+    QMimeData picture;
+    picture.setImageData(QImage(7, 2, QImage::Format_RGB32));
+    EXPECT_TRUE(drop(picture));
+    EXPECT_EQ(PaneWidths(), std::pair(7, 7));
+    EXPECT_EQ(session_.ImagePath, "");
+    QMimeData text;
+    text.setText(QStringLiteral("no picture"));
+    EXPECT_FALSE(drop(text));
 }
 
 }  // namespace
