@@ -304,7 +304,7 @@ bool FileList::BuildRows(Build& build) {
 
     host.ShowListProgress(1, true);
     build.rows.reserve(static_cast<std::size_t>(build.count));
-    constexpr int kRepaintInterval = 40;  // milliseconds; a repaint costs as much as hundreds of rows
+    constexpr int kRepaintInterval = 100;  // milliseconds; a repaint costs as much as hundreds of rows
     QElapsedTimer sinceRepaint;
     sinceRepaint.start();
     for (int i = 0, shown = 1; i < build.count; ++i) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QFrame>
 #include <QLabel>
 #include <QMainWindow>
@@ -221,6 +222,7 @@ class MainForm final : public QMainWindow,
     std::array<QFrame*, 2> Image2and3_{};
     std::array<QPushButton*, 2> CommandCon_{};
     std::array<QProgressBar*, 2> ProgressBarS_{};
+    QElapsedTimer listProgressDrawn_;
     std::array<DragBar*, 3> FrameMOve_{};
     std::array<DragGhost*, 3> PictureBLKCHG_{};
 };

@@ -76,9 +76,14 @@ void MainForm::BusyCursor(bool on) {
 }
 
 void MainForm::ShowListProgress(int value, bool shown) {
-    ProgressBarS_[0]->setValue(value);
-    ProgressBarS_[0]->setVisible(shown);
-    if (shown) ProgressBarS_[0]->repaint();
+    QProgressBar& bar = *ProgressBarS_[0];
+    // A bar draws itself at once, and to draw it at every step would take longer than the steps.
+    constexpr int kDrawInterval = 40;  // milliseconds
+    const bool isDue = !shown || bar.isHidden() || listProgressDrawn_.hasExpired(kDrawInterval);
+    bar.setVisible(shown);
+    if (!isDue) return;
+    bar.setValue(value);
+    listProgressDrawn_.start();
 }
 
 void MainForm::Repaint() {
@@ -180,7 +185,6 @@ void MainForm::SetProgress(int value) {
     if (now - progressShownAt_ < kProgressInterval) return;
     progressShownAt_ = now;
     ProgressBarS_[1]->setValue(value);
-    ProgressBarS_[1]->repaint();
 }
 
 void MainForm::StopCapture() {
