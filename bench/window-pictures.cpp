@@ -2,23 +2,15 @@
 //
 //     tessara_window_pictures FOLDER FILE.png [light|dark] [ROW]
 //
-// The environment says which screen (DISPLAY) and which scale (QT_SCALE_FACTOR). ROW, from 0, is the file that
-// is clicked on; without it the panes stay empty.
+// The environment says which screen (DISPLAY) and which scale (QT_SCALE_FACTOR). ROW, from 0, is the file
+// that is clicked on; without it the panes stay empty.
 
 #include <QApplication>
-#include <QClipboard>
-#include <QMenu>
-#include <QStyleFactory>
-#include <QTemporaryDir>
-#include <QTreeWidget>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
 
-#include "desktop/ClipboardCarrier.h"
-#include "desktop/DesktopScreen.h"
-#include "desktop/DesktopShell.h"
-#include "mainwindow/MainForm.h"
+#include "bench/WholeWindow.h"
 
 namespace {
 
@@ -40,29 +32,12 @@ QPalette DarkPalette() {
 }
 
 bool WritePicture(const char* folder, const char* file, int row) {
-    const QTemporaryDir privateFiles;
-    DesktopShell shell;
-    Session session;
-    session.AppPath = privateFiles.path().toStdString();
-    session.DesktopPath = shell.SpecialFolderPath(SpecialFolder::Desktop);
-    session.DocumentsPath = shell.SpecialFolderPath(SpecialFolder::Documents);
-    ScriptedPrompts prompts;
-    prompts.answers = {Answer::Yes};
-    ClipboardCarrier clipboard(*QApplication::clipboard());
-    const std::unique_ptr<Screen> screen = MakeScreen();
-    SystemClock clock;
-    SystemRandom random;
-    DesktopLinkOpener links;
-    ScriptedHelpViewer help;
-    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links, help});
-    if (!form.Form_Load()) return false;
-    form.EnterFolder(folder);
-    if (row >= 0 && row < form.List().RowCount()) {
-        form.List().SelectRow(row);
-        form.List().ListViewFile_Click();
-    }
+    bench::WholeWindow window;
+    if (!window.form.Form_Load()) return false;
+    window.form.EnterFolder(folder);
+    if (row >= 0 && row < window.form.List().RowCount()) window.ShowRow(row);
     QApplication::processEvents();
-    return form.grab().save(QString::fromLocal8Bit(file));
+    return window.form.grab().save(QString::fromLocal8Bit(file));
 }
 
 }  // namespace
@@ -71,7 +46,8 @@ int main(int count, char** arguments) {
     const QApplication application(count, arguments);
     if (count < 3) return EXIT_FAILURE;
     if (count > 3 && std::string_view(arguments[3]) == "dark") QApplication::setPalette(DarkPalette());
-    if (WritePicture(arguments[1], arguments[2], count > 4 ? std::atoi(arguments[4]) : -1)) return EXIT_SUCCESS;
+    if (WritePicture(arguments[1], arguments[2], count > 4 ? std::atoi(arguments[4]) : -1))
+        return EXIT_SUCCESS;
     std::fprintf(stderr, "%s cannot be written\n", arguments[2]);
     return EXIT_FAILURE;
 }
