@@ -64,13 +64,19 @@ OPERATIONS = [
 
 
 def cpu_of(command):
-    """CPU milliseconds of a command on one thread; None where it fails."""
-    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    """CPU milliseconds of a command on one thread, of a short one the best of several; None where it fails."""
     environment = dict(os.environ, OMP_NUM_THREADS="1", MAGICK_THREAD_LIMIT="1", VIPS_CONCURRENCY="1")
-    if subprocess.run(command, env=environment, capture_output=True).returncode != 0:
-        return None
-    after = resource.getrusage(resource.RUSAGE_CHILDREN)
-    return 1000 * (after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
+    best = None
+    for _ in range(4):
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        if subprocess.run(command, env=environment, capture_output=True).returncode != 0:
+            return None
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        spent = 1000 * (after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
+        best = spent if best is None else min(best, spent)
+        if best > 600:
+            break
+    return best
 
 
 def magick(program, path, options):
@@ -111,10 +117,16 @@ def opencv(function, picture):
 
 
 def own(program):
+    """The same of ours, and of a plain copy."""
     names = "|".join(row[0] for row in OPERATIONS)
-    text = subprocess.run([program, f"--benchmark_filter=^({names})/threads/1", "--benchmark_format=json"],
-                          capture_output=True, text=True, check=True).stdout
-    return {row["name"].split("/")[0]: row["cpu_time"] / MEGAPIXELS for row in json.loads(text)["benchmarks"]}
+    text = subprocess.run([program, f"--benchmark_filter=^(Copy/|({names})/threads/1)", "--benchmark_format=json",
+                           "--benchmark_repetitions=3"], capture_output=True, text=True, check=True).stdout
+    best = {}
+    for row in json.loads(text)["benchmarks"]:
+        if row["run_type"] == "iteration":
+            name = row["name"].split("/")[0]
+            best[name] = min(row["cpu_time"] / MEGAPIXELS, best.get(name, math.inf))
+    return best
 
 
 def main():
@@ -138,6 +150,7 @@ def main():
         if shutil.which("vips"):
             subprocess.run(["vips", "copy", path, native], check=True)
         print(f"{'ms/MP':18}{'own':>8}{'GM':>9}{'IM':>9}{'vips':>9}{'OpenCV':>9}{'/Magick':>9}{'/fastest':>9}")
+        print(f"{'a plain copy':18}{mine['Copy']:8.2f}")
         logarithms = []
         for name, gm_options, im_options, vips_operation, cv_function in OPERATIONS:
             peers = [
