@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "core/rastx/effects/Windows.h"
+
 namespace tessara::effects {
 namespace {
 

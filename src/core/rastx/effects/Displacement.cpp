@@ -2,8 +2,10 @@
 
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 #include "core/rastx/Rows.h"
+#include "core/rastx/effects/Sampler.h"
 
 namespace tessara::effects {
 namespace {

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "core/rastx/effects/Convolution.h"
+#include "core/rastx/effects/Windows.h"
 
 namespace tessara::effects {
 namespace {

@@ -2,6 +2,9 @@
 
 #include <cmath>
 #include <numbers>
+#include <vector>
+
+#include "core/rastx/effects/Sampler.h"
 
 namespace tessara::effects {
 namespace {

@@ -3,18 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <memory>
-#include <new>
-#include <optional>
 #include <span>
-#include <vector>
 
 #include "core/Multiversion.h"
 #include "core/Parallel.h"
 #include "core/Result.h"
 #include "core/rastx/Picture.h"
 
-/// What stands once for all effects: the loops over rows with their threads, the borders, and alpha. An
+/// What stands once for all effects: the loops over rows with their threads, and random numbers. An
 /// effect adds a rule for one row, a plain loop that the compiler vectorises.
 namespace tessara::effects {
 
@@ -116,97 +112,6 @@ Picture ChangeRows(Picture picture, const EffectRun& run, const Rule& rule) {
     return std::move(canvas).Take();
 }
 
-/// A row with one more pixel at either end, a copy of the outermost.
-class PaddedRow {
-  public:
-    explicit PaddedRow(std::span<const Pixel> row) : pixels_(row.size() + 2) { Load(row); }
-    void Load(std::span<const Pixel> row);
-    std::span<const Pixel> Pixels() const { return std::span(pixels_).subspan(1, pixels_.size() - 2); }
-    const std::uint8_t* Bytes() const { return reinterpret_cast<const std::uint8_t*>(pixels_.data() + 1); }
-
-  private:
-    std::vector<Pixel> pixels_;
-};
-
-/// Three rows as bytes; each may be read one pixel beyond either end.
-struct Neighbours {
-    const std::uint8_t* above;
-    const std::uint8_t* here;
-    const std::uint8_t* below;
-};
-
-/// Gives the bytes of alpha in `row` the values of `alpha`.
-void KeepAlpha(const std::uint8_t* alpha, std::span<Pixel> row);
-
-/// The windows around pixels that have transparent neighbours, one beside the other in three rows. What is
-/// transparent has no colour that anyone sees; so each neighbour counts by its alpha, and what is missing is
-/// the colour of the pixel in the middle.
-class AlphaWindows {
-  public:
-    AlphaWindows(const Neighbours& rows, std::span<Pixel> out);
-
-    /// Takes the next windows; none are left where it returns false.
-    bool Next();
-    Neighbours Rows() const;
-    std::size_t Length() const { return 12 * count_; }
-    std::uint8_t* Out() { return BytesOf(std::span<Pixel>(out_)); }
-    /// Gives the pixels of the windows what the rule made of them.
-    void Put() const;
-
-  private:
-    static constexpr std::size_t kMost = 64;
-
-    void Add(std::size_t column);
-
-    Neighbours source_;
-    std::span<Pixel> target_;
-    std::vector<std::uint8_t> concerned_;  ///< for each column
-    std::size_t next_ = 0;
-    std::size_t count_ = 0;
-    std::size_t columns_[kMost];
-    Pixel rows_[3][3 * kMost + 2];
-    Pixel out_[3 * kMost];
-};
-
-/// Neighbourhood operations: `rule(neighbours, length, out)` computes `length` bytes of one row from the 3x3
-/// windows around them; beyond the border the outermost pixels go on. What the rule writes to alpha is
-/// dropped. Transparent neighbours count by their alpha.
-template <typename Rule>
-Picture ChangeByNeighbours(Picture picture, const EffectRun& run, const Rule& rule) {
-    const int width = picture.Width();
-    const int height = picture.Height();
-    const bool alpha = picture.HasAlpha();
-    Canvas canvas(std::move(picture));
-    // In place a band would read rows that its neighbours have overwritten; so those are put aside first.
-    const int bands = std::clamp(height / RowsPerThread(width), 1, std::max(1, run.threads));
-    const auto edge = [=](int band) { return static_cast<int>(std::int64_t{height} * band / bands); };
-    std::vector<PaddedRow> outer;
-    for (int band = 0; band < bands; ++band) {
-        outer.emplace_back(canvas.Source(std::max(edge(band) - 1, 0)));
-        outer.emplace_back(canvas.Source(std::min(edge(band + 1), height - 1)));
-    }
-    ParallelRows(bands, bands, 1, [&](int band, int) {
-        PaddedRow above = outer[static_cast<std::size_t>(2 * band)];
-        PaddedRow here(canvas.Source(edge(band)));
-        PaddedRow below = here;
-        for (int y = edge(band); y < edge(band + 1); ++y) {
-            below.Load(y + 1 < edge(band + 1) ? canvas.Source(y + 1)
-                                              : outer[static_cast<std::size_t>(2 * band + 1)].Pixels());
-            const std::span<Pixel> row = canvas.Target(y);
-            const Neighbours rows{above.Bytes(), here.Bytes(), below.Bytes()};
-            rule(rows, 4 * row.size(), BytesOf(row));
-            if (alpha) {
-                for (AlphaWindows windows(rows, row); windows.Next(); windows.Put())
-                    rule(windows.Rows(), windows.Length(), windows.Out());
-            }
-            KeepAlpha(here.Bytes(), row);
-            std::swap(above, here);
-            std::swap(here, below);
-        }
-    });
-    return std::move(canvas).Take();
-}
-
 /// A new picture of the given size: `rule(row, begin, end)` writes the rows from `begin` to `end`; row(y) is
 /// one of them.
 template <typename Rule>
@@ -228,66 +133,6 @@ Result<Picture> MakeRows(const Picture& like, int width, int height, const Effec
     return MakeBands(like, width, height, run, [&](const auto& row, int begin, int end) {
         for (int y = begin; y < end; ++y) rule(row(y), y);
     });
-}
-
-/// Positions in the source, in pixels from the centre of its first one.
-struct Positions {
-    static constexpr int kMost = 256;
-    float x[kMost];
-    float y[kMost];
-};
-
-/// Writes pixels from between those of a source, interpolated between the four around a position (colours by
-/// their alpha). Beyond the border the outermost pixels go on, or a background that is blended in over the
-/// width of a pixel. One run is always under way: while it is written, memory is asked for the next one's.
-class Sampler {
-  public:
-    explicit Sampler(const Picture& source, std::optional<Pixel> background = {});
-    ~Sampler();
-    Sampler(const Sampler&) = delete;
-    Sampler& operator=(const Sampler&) = delete;
-
-    /// `out`, of at most Positions::kMost pixels, is complete after the next run or at the end of the
-    /// sampler.
-    void Write(const Positions& positions, std::span<Pixel> out);
-
-  private:
-    struct Run;
-
-    void Finish(const Run& run) const;
-
-    const Picture& source_;
-    std::optional<Pixel> background_;
-    std::unique_ptr<Run[]> runs_;
-    int newest_ = 0;
-};
-
-/// Mapping operations: `rule(x, y, count, positions)` tells where `count` pixels of the result, from (x, y)
-/// to the right, come from. Several rows are made together, for a steep mapping reads the same lines of
-/// memory for all of them.
-template <typename Rule>
-Result<Picture> MapPositions(const Picture& source, int width, int height, std::optional<Pixel> background,
-                             const EffectRun& run, const Rule& rule) {
-    return MakeBands(source, width, height, run, [&](const auto& row, int begin, int end) {
-        Sampler sampler(source, background);
-        Positions positions;
-        constexpr int kTileRows = 8;
-        for (int top = begin; top < end; top += kTileRows) {
-            for (int x = 0; x < width; x += Positions::kMost) {
-                const int count = std::min(Positions::kMost, width - x);
-                for (int y = top; y < std::min(top + kTileRows, end); ++y) {
-                    rule(x, y, count, positions);
-                    sampler.Write(positions, row(y).subspan(static_cast<std::size_t>(x),
-                                                            static_cast<std::size_t>(count)));
-                }
-            }
-        }
-    });
-}
-
-template <typename Rule>
-Result<Picture> MapPositions(const Picture& source, const EffectRun& run, const Rule& rule) {
-    return MapPositions(source, source.Width(), source.Height(), {}, run, rule);
 }
 
 /// A random number for a value: every bit depends on every bit of it (a multiply-xorshift mix).

@@ -1,5 +1,7 @@
 #include "core/rastx/effects/Mosaic.h"
 
+#include <vector>
+
 namespace tessara::effects {
 namespace {
 
