@@ -7,54 +7,33 @@
 // "first" is the step that takes the snapshot, "next" one of those that follow. Each is the median of its
 // rounds, at the slider position that takes longest. Ends with 1 where an effect misses its bar.
 
-#include <unistd.h>
-
 #include <QApplication>
 #include <QCheckBox>
 #include <QTimer>
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <filesystem>
 #include <string>
 #include <vector>
 
 #include "bench/PhotoLike.h"
+#include "bench/ScriptedWindow.h"
 #include "edit/EffectCatalogue.h"
-#include "mainwindow/MainForm.h"
 
 namespace {
 
 using namespace tessara;
-namespace fs = std::filesystem;
+using bench::Median, bench::Milliseconds;
 
 constexpr int kWidth = 1920, kHeight = 1080;
 constexpr double kPointBar = 50, kOtherBar = 120;  ///< milliseconds
 /// The effects whose pixels depend on no other pixel.
 constexpr int kPointEffects[] = {1, 19, 20, 21, 22, 23, 24, 25, 28, 30, 117, 200, 204, 205, 230, 231};
 
-struct Window {
-    Window() {
-        session.AppPath = session.DesktopPath = session.DocumentsPath = folder;
-        fs::create_directory(folder);
-        shell.drives = {{"/", "/ [File System]"}};
-        form.Form_Load();
+struct Window : bench::ScriptedWindow {
+    Window() : ScriptedWindow("live-preview") {
         form.rastx1(0).rastx().SetImage(bench::PhotoLike(kWidth, kHeight));
         form.Setvalid(true);
     }
-    ~Window() { fs::remove_all(folder); }
-
-    const std::string folder = fs::temp_directory_path() / ("live-preview-" + std::to_string(getpid()));
-    Session session;
-    ScriptedPrompts prompts;
-    ScriptedShell shell;
-    ScriptedClipboard clipboard;
-    ScriptedScreen screen;
-    SystemClock clock;
-    ScriptedRandom random;
-    ScriptedLinkOpener links;
-    ScriptedHelpViewer help;
-    MainForm form{session, {prompts, shell, clipboard, screen, clock, random, links, help}};
 };
 
 struct Times {
@@ -64,17 +43,6 @@ struct Times {
 template <typename Control>
 Control& Find(const QObject& parent, const char* name) {
     return *parent.findChild<Control*>(QString::fromLatin1(name));
-}
-
-double Milliseconds(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
-}
-
-double Median(std::vector<double> values) {
-    std::ranges::sort(values);
-    return values[values.size() / 2];
 }
 
 /// Drags the last slider of the dialog on screen to the end where the effect does most; the others are there.
@@ -104,13 +72,10 @@ Times DragSlider(Window& window, const QWidget& dialog) {
 }
 
 Times Round(Window& window, const EffectEntry& entry) {
-    const auto choose = [&](const std::string& array, int index) {
-        window.form.Menus().Item(array, index)->trigger();
-    };
     window.form.UndoRefresh("KILL");
     window.session.ExportChanged = false;
-    choose("mEdit", 3);
-    for (int i = 0; i < 2; ++i) choose("mEffects", 4);  // a history, and the picture as it was
+    window.Choose("mEdit", 3);
+    for (int i = 0; i < 2; ++i) window.Choose("mEffects", 4);  // a history, and the picture as it was
     QApplication::processEvents();
     Times times;
     QTimer::singleShot(0, qApp, [&] {
@@ -118,7 +83,7 @@ Times Round(Window& window, const EffectEntry& entry) {
         times = DragSlider(window, *dialog);
         dialog->close();
     });
-    choose(std::string(entry.array), entry.index);
+    window.Choose(std::string(entry.array), entry.index);
     return times;
 }
 
