@@ -120,7 +120,7 @@ FileList::FileList(Browser& browser, QWidget* parent)
       browser_(browser),
       table_(new Table(this)),
       ListViewFile_(table_),
-      ImageListFile_{style()->standardIcon(QStyle::SP_FileIcon)} {
+      ImageListFile_{Artwork("file")} {
     ListViewFile_->setObjectName("ListViewFile");
     ListViewFile_->setItemDelegate(new RowDelegate(ListViewFile_));
     ListViewFile_->setRootIsDecorated(false);

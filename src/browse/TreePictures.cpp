@@ -1,7 +1,6 @@
 #include "browse/TreePictures.h"
 
 #include <QIconEngine>
-#include <algorithm>
 
 #include "artwork/Artwork.h"
 
@@ -10,21 +9,20 @@ namespace {
 
 struct PictureRow {
     TreePicture picture;
-    const char* themeName;
     const char* drawing;
 };
 constexpr PictureRow kPictures[] = {
-    {TreePicture::Desktop, "user-desktop", "desktop"},
-    {TreePicture::Computer, "computer", "computer"},
-    {TreePicture::Floppy, "media-floppy", "drive-floppy"},
-    {TreePicture::FixedDisk, "drive-harddisk", "drive-fixed"},
-    {TreePicture::OpticalDisc, "drive-optical", "drive-cdrom"},
-    {TreePicture::Documents, "folder-documents", "documents"},
-    {TreePicture::ClosedFolder, "folder", "folder"},
-    {TreePicture::OpenFolder, "folder-open", "folder-open"},
-    {TreePicture::RemovableDisk, "drive-removable-media", "drive-removable"},
-    {TreePicture::NetworkDrive, "folder-remote", "drive-network"},
-    {TreePicture::UnknownDrive, "drive-harddisk", "drive-unknown"},
+    {TreePicture::Desktop, "desktop"},
+    {TreePicture::Computer, "computer"},
+    {TreePicture::Floppy, "drive-floppy"},
+    {TreePicture::FixedDisk, "drive-fixed"},
+    {TreePicture::OpticalDisc, "drive-cdrom"},
+    {TreePicture::Documents, "documents"},
+    {TreePicture::ClosedFolder, "folder"},
+    {TreePicture::OpenFolder, "folder-open"},
+    {TreePicture::RemovableDisk, "drive-removable"},
+    {TreePicture::NetworkDrive, "drive-network"},
+    {TreePicture::UnknownDrive, "drive-unknown"},
 };
 
 /// One icon while its node is selected, another otherwise.
@@ -50,15 +48,10 @@ class FolderIcon final : public QIconEngine {
 }  // namespace
 
 TreePictures::TreePictures() {
-    const bool themed = std::ranges::all_of(kPictures, [](const PictureRow& row) {
-        return QIcon::hasThemeIcon(QString::fromLatin1(row.themeName));
-    });
     const auto at = [this](TreePicture picture) -> QIcon& {
         return icons_[static_cast<std::size_t>(picture)];
     };
-    for (const PictureRow& row : kPictures)
-        at(row.picture) =
-            themed ? QIcon::fromTheme(QString::fromLatin1(row.themeName)) : Artwork(row.drawing);
+    for (const PictureRow& row : kPictures) at(row.picture) = Artwork(row.drawing);
     QIcon& closed = at(TreePicture::ClosedFolder);
     closed = QIcon(new FolderIcon(closed, at(TreePicture::OpenFolder)));
 }

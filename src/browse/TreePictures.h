@@ -20,8 +20,7 @@ enum class TreePicture {
     UnknownDrive = 13,
 };
 
-/// The icons of the folder tree `ImageListTreeViewS`: those of the icon theme where it has them all,
-/// otherwise our own, so that they are of one style. Sharp at every scale.
+/// The icons of the folder tree `ImageListTreeViewS`, drawn as those of the toolbar are.
 class TreePictures {
   public:
     TreePictures();
