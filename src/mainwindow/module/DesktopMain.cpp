@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QClipboard>
+#include <cstdio>
 #include <cstdlib>
 
 #include "artwork/Artwork.h"
@@ -20,6 +21,11 @@ void SetUpApplication() {
     QApplication::setApplicationName(QStringLiteral("tessara"));
     QApplication::setDesktopFileName(QStringLiteral("tessara"));
     QApplication::setWindowIcon(Artwork("tessara"));
+}
+
+/// Without one the toolkit would end the process as if it had crashed.
+bool HasDisplay() {
+    return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
 
 /// The window and all that it stands on, until the window is closed.
@@ -46,6 +52,10 @@ void RunDesktop() {
 
 /// The entry of the desktop module.
 extern "C" __attribute__((visibility("default"))) int TessaraDesktopMain(int count, char** arguments) {
+    if (!tessara::HasDisplay()) {
+        std::fputs("The window cannot be opened: there is no display.\n", stderr);
+        return EXIT_FAILURE;
+    }
     const QApplication application(count, arguments);
     const tessara::SingleInstance instance(tessara::InstanceLockFile());
     if (!instance.IsFirst()) return EXIT_SUCCESS;
