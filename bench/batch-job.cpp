@@ -34,7 +34,7 @@ class Folder final : public BatchList {
 
 class NoView final : public BatchView {
     void BusyCursor(bool) override {}
-    void SetMax(int, int) override {}
+    void SetMax(int, int, int) override {}
     void ShowCount(int, int, const std::string&) override {}
     void Refresh() override {}
     void ShowDone() override {}

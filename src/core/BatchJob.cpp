@@ -40,8 +40,10 @@ void BatchJob::LoadDialogprogress() {
     const int scope = options_.ConvertScope;
     const bool nothingSelected = scope == kSelectedFiles && options_.SelectedCount == 0;
     const int sources = scope == kCurrentFile || nothingSelected ? 1 : options_.SelectedCount;
-    view_.SetMax(kSources, sources);
-    view_.SetMax(kFiles, sources * static_cast<int>(std::ranges::count(options_.ExportOn, true)));
+    const int work = scope == kAllGraphics ? ImportableRows() : sources;
+    const int formats = static_cast<int>(std::ranges::count(options_.ExportOn, true));
+    view_.SetMax(kSources, sources, work);
+    view_.SetMax(kFiles, sources * formats, work * formats);
     DispFileN(0, false);
 
     const std::string targetFolder = WithSeparator(options_.TargetFolder);
@@ -59,6 +61,16 @@ void BatchJob::LoadDialogprogress() {
 
 bool BatchJob::IsChosen(int row) const {
     return options_.ConvertScope == kAllGraphics || list_.IsChecked(row);
+}
+
+int BatchJob::ImportableRows() const {
+    int rows = 0;
+    for (int row = 0; row < list_.RowCount(); ++row) {
+        bool enabled = false;
+        static_cast<void>(TargetOf({}, list_.KeyOf(row), enabled));
+        rows += enabled;
+    }
+    return rows;
 }
 
 void BatchJob::ConvertRows(const std::string& targetFolder) {

@@ -47,7 +47,8 @@ class BatchView {
   public:
     virtual ~BatchView() = default;
     virtual void BusyCursor(bool on) = 0;
-    virtual void SetMax(int index, int max) = 0;
+    /// `max` comes from what was marked before the job; `work` is what there may really be to do.
+    virtual void SetMax(int index, int max, int work) = 0;
     virtual void ShowCount(int index, int value, const std::string& text) = 0;
     /// Paints, lets waiting clicks reach their buttons, and comes to the front.
     virtual void Refresh() = 0;
@@ -81,6 +82,8 @@ class BatchJob {
     void ConvertRows(const std::string& targetFolder);
     void ConvertCurrent(const std::string& targetFolder);
     bool IsChosen(int row) const;
+    /// Rows of formats that are switched on.
+    int ImportableRows() const;
     /// What is to be done ahead of a row's turn, as far as it can be foreseen.
     BatchAhead::Source SourceAhead(const std::string& targetFolder, const std::string& key) const;
 

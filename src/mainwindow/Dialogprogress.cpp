@@ -11,23 +11,26 @@
 #include "settings/ConvertOptions.h"
 
 namespace tessara {
-namespace {
 
-/// A bar that is empty where there is nothing to do; the toolkit's own would move as if it were busy.
-class CountBar final : public QProgressBar {
-  public:
-    using QProgressBar::QProgressBar;
+void CountBar::SetMax(int max, int work) {
+    work_ = work;
+    count_ = 0;
+    setRange(0, max);
+}
 
-  protected:
-    void initStyleOption(QStyleOptionProgressBar* option) const override {
-        QProgressBar::initStyleOption(option);
-        if (option->maximum > 0) return;
-        option->maximum = 1;
-        option->progress = 0;
-    }
-};
+/// A range that is full stays so, while the picture still goes on.
+void CountBar::ShowCount(int count) {
+    count_ = count;
+    setValue(std::min(count, maximum()));
+    update();
+}
 
-}  // namespace
+/// Empty where there is nothing to do; the toolkit's own bar would move as if it were busy.
+void CountBar::initStyleOption(QStyleOptionProgressBar* option) const {
+    QProgressBar::initStyleOption(option);
+    option->maximum = std::max(work_, 1);
+    option->progress = std::min(count_, option->maximum);
+}
 
 int ProgressTop(const QRect& screen, int height, int frameTop) {
     constexpr int kGapBelow = 60;
@@ -129,14 +132,12 @@ void Dialogprogress::done(int result) {
     QDialog::done(result);
 }
 
-void Dialogprogress::SetMax(int index, int max) {
-    ProgressBar_[static_cast<std::size_t>(index)]->setRange(0, max);
+void Dialogprogress::SetMax(int index, int max, int work) {
+    ProgressBar_[static_cast<std::size_t>(index)]->SetMax(max, work);
 }
 
 void Dialogprogress::ShowCount(int index, int value, const std::string& text) {
-    QProgressBar* const bar = ProgressBar_[static_cast<std::size_t>(index)];
-    // A bar that is full stays so: of all graphics it counts only as many as were selected.
-    bar->setValue(std::min(value, bar->maximum()));
+    ProgressBar_[static_cast<std::size_t>(index)]->ShowCount(value);
     Label1_[static_cast<std::size_t>(index)]->setText(ShownText(text));
 }
 

@@ -13,6 +13,22 @@
 
 namespace tessara {
 
+/// A bar that shows how much of the real work is done, where its own range may count less.
+class CountBar final : public QProgressBar {
+  public:
+    using QProgressBar::QProgressBar;
+
+    void SetMax(int max, int work);
+    void ShowCount(int count);
+
+  protected:
+    void initStyleOption(QStyleOptionProgressBar* option) const override;
+
+  private:
+    int work_ = 0;
+    int count_ = 0;
+};
+
 /// The modal dialog of a conversion job. It stays open with its counts when the job is done.
 class Dialogprogress final : public QDialog, private BatchView, private BatchQuestions {
     Q_OBJECT
@@ -44,7 +60,7 @@ class Dialogprogress final : public QDialog, private BatchView, private BatchQue
     void CancelButton_Click();
 
     void BusyCursor(bool on) override { surroundings_.BusyCursor(on); }
-    void SetMax(int index, int max) override;
+    void SetMax(int index, int max, int work) override;
     void ShowCount(int index, int value, const std::string& text) override;
     void Refresh() override;
     void ShowDone() override;
@@ -52,7 +68,7 @@ class Dialogprogress final : public QDialog, private BatchView, private BatchQue
     std::string GetFileName(const std::string& folder, const std::string& name) override;
 
     Surroundings surroundings_;
-    std::array<QProgressBar*, 2> ProgressBar_;
+    std::array<CountBar*, 2> ProgressBar_;
     std::array<QLabel*, 2> Label1_;
     QPushButton* CancelButton_;
     BatchJob* job_ = nullptr;  ///< while it runs

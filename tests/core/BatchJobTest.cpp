@@ -46,7 +46,10 @@ class BatchJobTest : public testing::TestWithParam<int>,
     void EnsureVisible(int row) override { shown_.push_back(row); }
 
     void BusyCursor(bool on) override { busy_ = on; }
-    void SetMax(int index, int max) override { max_[index] = max; }
+    void SetMax(int index, int max, int work) override {
+        max_[index] = max;
+        work_[index] = work;
+    }
     void ShowCount(int index, int value, const std::string& text) override {
         values_[index] = value;
         texts_[index] = text;
@@ -125,6 +128,7 @@ class BatchJobTest : public testing::TestWithParam<int>,
     std::vector<int> shown_;  ///< rows that were brought into view
     bool busy_ = false, done_ = false;
     int max_[2] = {-1, -1};
+    int work_[2] = {-1, -1};
     int values_[2] = {-1, -1};
     std::string texts_[2];
     Names counts_;  ///< both texts at each refresh
@@ -153,6 +157,8 @@ TEST_P(BatchJobTest, AllGraphicsAreWrittenInOrderAndMarked) {
                               "1 file converted! 4 files created!", "2 files converted! 4 files created!"}));
     EXPECT_EQ(max_[0], 1) << "the files that were marked before";
     EXPECT_EQ(max_[1], 2);
+    EXPECT_EQ(work_[0], 2);
+    EXPECT_EQ(work_[1], 4);
 }
 
 TEST_P(BatchJobTest, OnlyMarkedFilesOfAListAndTheirMarksStay) {
@@ -168,6 +174,7 @@ TEST_P(BatchJobTest, OnlyMarkedFilesOfAListAndTheirMarksStay) {
     EXPECT_FALSE(rows_[1].checked);
     EXPECT_EQ(max_[0], 2);
     EXPECT_EQ(max_[1], 6);
+    EXPECT_EQ(work_[1], 6);
     EXPECT_EQ(counts_.back(), "2 files converted! 6 files created!");
 }
 

@@ -104,14 +104,21 @@ TEST_F(ConvertTest, CancelAndClosingEndARunningJob) {
     }
 }
 
-TEST_F(ConvertTest, ABarWithoutAnythingToDoIsEmptyAndStill) {
-    session.ConvertOptions.ExportOn = {};
-    dialog_.RunJob();
-    EXPECT_EQ(Bar(1)->maximum(), 0);
-    const QImage before = Bar(1)->grab().toImage();
-    Bar(1)->setRange(0, 5);
-    Bar(1)->setValue(0);
-    EXPECT_EQ(before, Bar(1)->grab().toImage());
+TEST(CountBar, ShowsTheRealWorkWhateverItsRangeIs) {
+    CountBar bar;
+    bar.setTextVisible(false);
+    const auto picture = [&bar](int max, int work, int count) {
+        bar.SetMax(max, work);
+        bar.ShowCount(count);
+        EXPECT_EQ(bar.maximum(), max);
+        return bar.grab().toImage();
+    };
+    const QImage empty = picture(4, 4, 0), half = picture(4, 4, 2), full = picture(4, 4, 4);
+    EXPECT_NE(empty, half);
+    EXPECT_NE(half, full);
+    EXPECT_EQ(picture(0, 4, 2), half);
+    EXPECT_EQ(picture(1, 4, 4), full);
+    EXPECT_EQ(picture(0, 0, 0), empty) << "nothing to do is not as if it were busy";
 }
 
 TEST_F(ConvertTest, ARefusedTargetIsAskedForWithItsType) {
