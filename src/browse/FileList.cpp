@@ -122,6 +122,7 @@ FileList::FileList(Browser& browser, QWidget* parent)
       ListViewFile_(table_),
       ImageListFile_{Artwork("file")} {
     ListViewFile_->setObjectName("ListViewFile");
+    ListViewFile_->setAccessibleName(QStringLiteral("Files"));
     ListViewFile_->setItemDelegate(new RowDelegate(ListViewFile_));
     ListViewFile_->setRootIsDecorated(false);
     ListViewFile_->setUniformRowHeights(true);

@@ -50,6 +50,7 @@ FolderTree::FolderTree(Browser& browser, QWidget* parent)
       naming_(new FolderNaming(browser, *this, *delegate_)) {
     naming_->setParent(this);
     TreeViewS_->setObjectName("TreeViewS");
+    TreeViewS_->setAccessibleName(QStringLiteral("Folders"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(TreeViewS_);

@@ -131,10 +131,11 @@ void MainForm::MakeBrowsing() {
     StatusBarSfile_ =
         new PanelBar(QStringLiteral("StatusBarSfile"), QStringLiteral("Statusfile"), 3, FrameS_);
     // As a reader goes: folders, their path, the files, then what is done with them.
-    const QWidget* previous = tree_;
+    QWidget* previous = tree_->TreeViewS();
     for (QWidget* next :
-         std::initializer_list<QWidget*>{box_, list_, panes_[0], CommandCon_[1], CommandCon_[0], panes_[1]}) {
-        setTabOrder(const_cast<QWidget*>(previous), next);
+         std::initializer_list<QWidget*>{box_->ImageComboPath(), list_->ListViewFile(), panes_[0],
+                                         CommandCon_[1], CommandCon_[0], panes_[1]}) {
+        setTabOrder(previous, next);
         previous = next;
     }
 }
