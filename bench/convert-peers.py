@@ -1,7 +1,7 @@
 #!/usr/bin/python3
 """Measures whole conversions beside other programs, in one run, and prints ratios.
 
-    bench/convert-peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|batch|memory ...]
+    bench/convert-peers.py [--tessara PATH] [--folder FOLDER] [--runs N] [jobs|start|many|batch|window|memory ...]
 
 Installs the peers (GraphicsMagick, ImageMagick, libvips, OpenCV, Pillow) where they are missing. CPU seconds are
 user + system of the whole process and its threads; of OpenCV and Pillow only reading and writing count, not the
@@ -13,11 +13,13 @@ import argparse
 import math
 import os
 import shutil
+import struct
 import subprocess
 import sys
 import tempfile
 import time
 
+SCREEN_PACKAGES = ["xvfb", "openbox", "xdotool"]
 PACKAGES = ["imagemagick", "graphicsmagick", "libvips-tools", "python3-opencv", "python3-pil", "python3-numpy"]
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 QUALITY = "80"  # what a conversion from the command line uses
@@ -25,8 +27,8 @@ JOBS = ["jpg png", "bmp png", "jpg bmp", "png jpg", "tif jpg", "png gif", "jpg g
 ENVIRONMENT = dict(os.environ, MAGICK_THREAD_LIMIT="1", OMP_NUM_THREADS="1", VIPS_CONCURRENCY="1")
 
 
-def install_peers():
-    missing = [p for p in PACKAGES if subprocess.run(["dpkg", "-s", p], capture_output=True).returncode]
+def install(packages):
+    missing = [p for p in packages if subprocess.run(["dpkg", "-s", p], capture_output=True).returncode]
     if missing:
         sudo = [] if os.geteuid() == 0 else ["sudo"]
         subprocess.run(sudo + ["apt-get", "install", "-y", "-q", "--no-install-recommends"] + missing, check=True)
@@ -173,24 +175,21 @@ def compare_many(tessara, folder):
     print()
 
 
-def make_batch_sources(folder, files):
-    os.makedirs(folder, exist_ok=True)
+def make_batch_sources(folder, files, width, height):
+    if os.path.exists(folder):
+        return
+    os.makedirs(folder)
     for number in range(files):
         if number < 4:
-            photo_like(2448, 1632, 20 + number).save(f"{folder}/{number}.jpg", quality=90)
+            photo_like(width, height, 20 + number).save(f"{folder}/{number}.jpg", quality=90)
         else:
             shutil.copy(f"{folder}/{number % 4}.jpg", f"{folder}/{number}.jpg")
 
 
-def compare_batch(program, folder, files):
-    """One batch job to JPG and PNG beside two processes of a peer, one for each format."""
-    sources, targets = f"{folder}/batch", f"{folder}/batch-targets"
-    if not os.path.exists(sources):
-        make_batch_sources(sources, files)
-    os.makedirs(targets, exist_ok=True)
+def batch_peers(targets):
+    """Two processes of each, one for each format."""
     each = "for f in *.jpg; do vips copy $f {}; done"
-    peers = {
-        "tessara": [f"{program} {sources} {targets}"],
+    return {
         "GraphicsMagick": [
             f"gm mogrify -output-directory {targets} -quality 60 -format jpg *.jpg",
             f"gm mogrify -output-directory {targets} -format png *.jpg",
@@ -201,16 +200,105 @@ def compare_batch(program, folder, files):
         ],
         "libvips": [each.format(f"{targets}/$f[Q=60]"), each.format(f"{targets}/$f.png")],
     }
+
+
+def time_side_by_side(name, commands, folder):
+    start = time.perf_counter()
+    running = [subprocess.Popen(c, shell=True, cwd=folder, env=ENVIRONMENT, stdout=subprocess.DEVNULL) for c in commands]
+    if any([process.wait() for process in running]):
+        sys.exit(f"{name} failed")
+    print(f"  {name:15} {time.perf_counter() - start:6.2f}", flush=True)
+
+
+def compare_batch(program, folder, files):
+    """One batch job to JPG and PNG beside the peers."""
+    sources, targets = f"{folder}/batch", f"{folder}/batch-targets"
+    make_batch_sources(sources, files, 2448, 1632)
+    os.makedirs(targets, exist_ok=True)
     print(f"{files} files of 4 megapixels, JPG to JPG and PNG, wall seconds")
-    for name, commands in peers.items():
-        start = time.perf_counter()
-        running = [
-            subprocess.Popen(c, shell=True, cwd=sources, env=ENVIRONMENT, stdout=subprocess.DEVNULL) for c in commands
-        ]
-        if any([process.wait() for process in running]):
-            sys.exit(f"{name} failed")
-        print(f"  {name:15} {time.perf_counter() - start:6.2f}", flush=True)
+    for name, commands in {"tessara": [f"{program} {sources} {targets}"], **batch_peers(targets)}.items():
+        time_side_by_side(name, commands, sources)
     print()
+
+
+def settings_of_job(sources, targets):
+    """The settings file of a window that converts all graphics to JPG and PNG and replaces what is there."""
+    flags = lambda values: b"".join(struct.pack("<h", -value) for value in values)
+    path = lambda text: f"{text}///".encode().ljust(300)
+    all_graphics, replace = 2, 1
+    record = flags([False] + [True] * 25) + bytes([all_graphics]) + flags(i in (2, 3) for i in range(10))
+    record += path(targets) + path(sources) + bytes([replace]) + flags([False])
+    return record.ljust(799, b"\0") + bytes([1, 0, 0, 1]) + struct.pack("<ib", 2000, 0)
+
+
+class Screen:
+    """A display of its own with a window manager, and a hand at its keyboard."""
+
+    def __enter__(self):
+        self.read, write = os.pipe()
+        command = ["Xvfb", "-screen", "0", "1280x900x24", "-displayfd", str(write)]
+        self.processes = [subprocess.Popen(command, pass_fds=[write], stderr=subprocess.DEVNULL)]
+        number = os.read(self.read, 16).decode().strip()
+        self.environment = dict(os.environ, DISPLAY=f":{number}", QT_QPA_PLATFORM="xcb")
+        self.start(["openbox", "--sm-disable"])
+        return self
+
+    def __exit__(self, *_):
+        for process in reversed(self.processes):
+            process.kill()
+            process.wait()
+
+    def start(self, command):
+        self.processes.append(subprocess.Popen(command, env=self.environment, stderr=subprocess.DEVNULL))
+        return self.processes[-1]
+
+    def do(self, *arguments):
+        subprocess.run(["xdotool", *arguments], env=self.environment, stdout=subprocess.DEVNULL, check=True)
+
+
+def resident_megabytes(process):
+    with open(f"/proc/{process.pid}/status") as status:
+        return next(int(line.split()[1]) for line in status if line.startswith("VmRSS")) / 1024
+
+
+def run_window_job(tessara, sources, targets, files):
+    """Seconds from the key that starts the job to the last target, and samples (targets written, megabytes)."""
+    shutil.rmtree(targets, ignore_errors=True)
+    os.makedirs(targets)
+    with tempfile.TemporaryDirectory() as program, Screen() as screen:
+        for name in ("tessara", "libtessara_desktop.so"):
+            shutil.copy(os.path.join(os.path.dirname(tessara), name), program)
+        with open(f"{program}/ts40.cfg", "wb") as settings:
+            settings.write(settings_of_job(sources, targets))
+        process = screen.start([f"{program}/tessara"])
+        screen.do("search", "--sync", "--onlyvisible", "--name", f"{sources}$")
+        time.sleep(2)
+        screen.do("mousemove", "300", "94", "click", "1")  # the first file of the list
+        time.sleep(1)
+        screen.do("key", "F4", "sleep", "1")
+        start = time.time()
+        screen.do("key", "Return")
+        samples = [(0, 0.0)]
+        while samples[-1][0] < 2 * files and time.time() < start + 600:
+            time.sleep(0.02)
+            samples.append((len(os.listdir(targets)), resident_megabytes(process)))
+        return max(entry.stat().st_mtime for entry in os.scandir(targets)) - start, samples
+
+
+def compare_window(tessara, folder, files):
+    """The job in the real window, driven by mouse and keyboard, beside the peers."""
+    install(SCREEN_PACKAGES)
+    sources, targets = f"{folder}/window", f"{folder}/window-targets"
+    make_batch_sources(sources, files, 1632, 1224)
+    print(f"{files} files of 2 megapixels, JPG to JPG and PNG, wall seconds")
+    seconds, samples = run_window_job(tessara, sources, targets, files)
+    print(f"  {'window':15} {seconds:6.2f}", flush=True)
+    for name, commands in batch_peers(targets).items():
+        time_side_by_side(name, commands, sources)
+    mean = lambda values: sum(values) / len(values)
+    first = mean([size for count, size in samples if 0 < count <= 40])
+    last = mean([size for count, size in samples if 2 * files - 40 <= count < 2 * files])
+    print(f"  resident: {first:.1f} MB over the first 20 files, {last:.1f} MB over the last 20\n")
 
 
 def measure_memory(tessara, folder):
@@ -228,7 +316,7 @@ def main():
     parser.add_argument("parts", nargs="*", default=["jobs", "start", "many", "memory"])
     arguments = parser.parse_args()
     arguments.tessara = os.path.abspath(arguments.tessara)
-    install_peers()
+    install(PACKAGES)
     os.makedirs(arguments.folder, exist_ok=True)
     # In a process of its own: what a program takes at most would otherwise begin with what this one took.
     if arguments.parts != ["sources"]:
@@ -239,6 +327,7 @@ def main():
         "start": lambda: compare_start(arguments.tessara, arguments.folder),
         "many": lambda: compare_many(arguments.tessara, arguments.folder),
         "batch": lambda: compare_batch(arguments.batch, arguments.folder, arguments.files),
+        "window": lambda: compare_window(arguments.tessara, arguments.folder, arguments.files),
         "memory": lambda: measure_memory(arguments.tessara, arguments.folder),
     }
     for part in arguments.parts:
