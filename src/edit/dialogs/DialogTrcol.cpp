@@ -46,7 +46,7 @@ void DialogTrcol::MakeControls() {
             this),
         QStringLiteral("Label2"));
     Label2_->setWordWrap(true);
-    Label2_->setFixedWidth(kNoteWidth);
+    Label2_->setFixedSize(kNoteWidth, Label2_->heightForWidth(kNoteWidth));
     OKButton_ = Named(MakeButton(QStringLiteral("OK"), Qt::Key_O, this), QStringLiteral("OKButton"));
     OKButton_->setDefault(true);
     ImageHelp_ = MakeHelpIcon(this);
@@ -81,7 +81,8 @@ QSize DialogTrcol::PaneSize() const {
     const int frame = 2 * rastx1_->frameWidth();
     const QSize room = screen()->availableSize() * 0.7;
     const QSize shown = (QSizeF(picture) / devicePixelRatioF()).toSize();
-    return shown.boundedTo(room) + QSize(frame, frame);
+    const bool fits = shown == shown.boundedTo(room);
+    return (fits ? shown : shown.scaled(room, Qt::KeepAspectRatio)) + QSize(frame, frame);
 }
 
 void DialogTrcol::rastx1_ImageMouseDown() {

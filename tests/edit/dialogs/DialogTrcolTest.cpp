@@ -40,6 +40,11 @@ TEST_F(DialogTrcolTest, TheLastClickCounts) {
     }
 }
 
+TEST_F(DialogTrcolTest, TheNoteShowsAllItsLines) {
+    const QLabel& note = *dialog_.findChild<QLabel*>("Label2");
+    EXPECT_GE(note.height(), note.heightForWidth(note.width()));
+}
+
 TEST(TransparentColorPicker, OutsideThePictureThereIsNone) {
     Session session;
     TransparentColorPicker picker(session, test::Draw("R."));
