@@ -235,12 +235,12 @@ class Screen:
     """A display of its own with a window manager, and a hand at its keyboard."""
 
     def __enter__(self):
-        self.read, write = os.pipe()
+        read, write = os.pipe()
         command = ["Xvfb", "-screen", "0", "1280x900x24", "-displayfd", str(write)]
         self.processes = [subprocess.Popen(command, pass_fds=[write], stderr=subprocess.DEVNULL)]
-        number = os.read(self.read, 16).decode().strip()
+        number = os.read(read, 16).decode().strip()
         self.environment = dict(os.environ, DISPLAY=f":{number}", QT_QPA_PLATFORM="xcb")
-        self.start(["openbox", "--sm-disable"])
+        self.start(["openbox"])
         return self
 
     def __exit__(self, *_):
@@ -249,11 +249,16 @@ class Screen:
             process.wait()
 
     def start(self, command):
-        self.processes.append(subprocess.Popen(command, env=self.environment, stderr=subprocess.DEVNULL))
+        quiet = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+        self.processes.append(subprocess.Popen(command, env=self.environment, **quiet))
         return self.processes[-1]
 
     def do(self, *arguments):
         subprocess.run(["xdotool", *arguments], env=self.environment, stdout=subprocess.DEVNULL, check=True)
+
+    def shows(self, title):
+        command = ["xdotool", "search", "--onlyvisible", "--name", title]
+        return subprocess.run(command, env=self.environment, capture_output=True).returncode == 0
 
 
 def resident_megabytes(process):
@@ -272,10 +277,9 @@ def run_window_job(tessara, sources, targets, files):
             settings.write(settings_of_job(sources, targets))
         process = screen.start([f"{program}/tessara"])
         screen.do("search", "--sync", "--onlyvisible", "--name", f"{sources}$")
-        time.sleep(2)
-        screen.do("mousemove", "300", "94", "click", "1")  # the first file of the list
-        time.sleep(1)
-        screen.do("key", "F4", "sleep", "1")
+        while not screen.shows("^Options$"):
+            screen.do("mousemove", "300", "94", "click", "1", "sleep", "1")  # the first file of the list
+            screen.do("key", "F4", "sleep", "1")
         start = time.time()
         screen.do("key", "Return")
         samples = [(0, 0.0)]
