@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QApplication>
-#include <functional>
+#include <algorithm>
 #include <string>
 
 #include "mainwindow/MainForm.h"
@@ -15,13 +15,20 @@ class EditedWindow {
   public:
     EditedWindow(Prompts& prompts, Clipboard& clipboard) : clipboard_(clipboard), prompts_(prompts) {
         session.AppPath = session.DesktopPath = session.DocumentsPath = folder.Path();
-        shell_.drives = {{"/", "/ [File System]"}};
+        shell_.drives = {{folder.Path(), folder.Path() + " [DISK]"}};
         if (!form.Form_Load()) throw std::runtime_error("the window would not start");
     }
 
     RastxPane& Pane(int index) { return form.rastx1(index); }
     const Picture& Import() { return Pane(0).rastx().Image(); }
     const Picture& Export() { return Pane(1).rastx().Image(); }
+    /// Writes a PNG file among the private ones; its path. No picture makes an empty file.
+    std::string Write(const std::string& name, const Picture& picture) {
+        const Codec& png = *std::ranges::find(ExportFormatTable(), ".png", &ExportFormat::suffix)->codec;
+        const std::string path = folder.File(name);
+        WriteWhole(path, picture.Empty() ? ByteVector() : Encode(png, picture));
+        return path;
+    }
     /// Chooses an entry of the menus; one that is disabled does nothing.
     void Choose(std::string_view array, int index) {
         form.Menus().Item(std::string(array), index)->trigger();

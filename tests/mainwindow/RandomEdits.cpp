@@ -320,10 +320,7 @@ void RandomEdits::Open() {
     const int drawn = Pick(0, 12);
     const File& file = kFiles[drawn < 5 ? drawn : drawn % 2];
     Did(std::string("open ") + file.name);
-    const std::string path = window_.folder.File(file.name);
-    const Codec& png = *std::ranges::find(ExportFormatTable(), ".png", &ExportFormat::suffix)->codec;
-    WriteWhole(path, file.picture.Empty() ? Bytes() : Bytes(Encode(png, file.picture)));
-    window_.form.LoadPict(path);
+    window_.form.LoadPict(window_.Write(file.name, file.picture));
     Loaded();
     EXPECT_EQ(LargestDifference(window_.Import(), file.picture), 0);
 }
