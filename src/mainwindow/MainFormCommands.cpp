@@ -97,7 +97,8 @@ void MainForm::Loaddialog1() {
 }
 
 void MainForm::LoadDialog2() {
-    Dialog2 dialog({*editor_, services_.prompts, &rastx1(1), [this] { ShowDialogTrcol(); }}, this);
+    Dialog2 dialog({*editor_, services_.prompts, &rastx1(1), &rastx1(0), [this] { ShowDialogTrcol(); }},
+                   this);
     Dialog2_ = &dialog;
     dialog.LoadDialog2();
     Dialog2_ = nullptr;

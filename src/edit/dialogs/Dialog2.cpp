@@ -20,6 +20,11 @@ bool IsResetByUndo(int code) {
     return code <= 1 || code == kRotate || code == kColorize || code == kColorBalance || code == kGamma;
 }
 
+/// Where a widget is seen; nowhere without one.
+QRect OnScreen(const QWidget* widget) {
+    return widget ? QRect(widget->mapToGlobal(QPoint()), widget->size()) : QRect();
+}
+
 }  // namespace
 
 Dialog2::Dialog2(const Surroundings& surroundings, QWidget* parent)
@@ -234,9 +239,9 @@ void Dialog2::MoveBesidePane() {
     const QWidget* const pane = surroundings_.exportPane;
     adjustSize();
     const QSize frame(0, style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this));
-    const QRect shown = pane ? QRect(pane->mapToGlobal(QPoint()), pane->size()) : QRect();
     const QScreen* const on = pane ? pane->screen() : screen();
-    move(DialogPlace(on->availableGeometry(), shown, size() + frame));
+    move(DialogPlace(on->availableGeometry(), OnScreen(pane), OnScreen(surroundings_.importPane),
+                     size() + frame));
 }
 
 void Dialog2::done(int result) {

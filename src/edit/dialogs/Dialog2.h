@@ -26,6 +26,8 @@ class Dialog2 final : public QDialog {
         /// The widget that shows the export picture, which the dialog is not to cover; null where there is
         /// none.
         const QWidget* exportPane = nullptr;
+        /// Neither this one, where there is room for that.
+        const QWidget* importPane = nullptr;
         /// Shows DialogTrcol until it is closed.
         std::function<void()> ShowDialogTrcol = {};
     };

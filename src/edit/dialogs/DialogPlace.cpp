@@ -1,6 +1,7 @@
 #include "edit/dialogs/DialogPlace.h"
 
 #include <algorithm>
+#include <array>
 
 namespace tessara {
 namespace {
@@ -9,23 +10,26 @@ int Within(int position, int length, int from, int to) {
     return std::max(from, std::min(position, to - length));
 }
 
+/// Beside a rectangle, above and below it, as far as the screen reaches.
+std::array<QPoint, 4> PlacesAround(const QRect& kept, const QRect& screen, const QSize& dialog) {
+    const int top = Within(kept.y(), dialog.height(), screen.y(), screen.y() + screen.height());
+    const int left = Within(kept.x(), dialog.width(), screen.x(), screen.x() + screen.width());
+    return {QPoint(kept.x() + kept.width(), top), QPoint(kept.x() - dialog.width(), top),
+            QPoint(left, kept.y() - dialog.height()), QPoint(left, kept.y() + kept.height())};
+}
+
 }  // namespace
 
-QPoint DialogPlace(const QRect& screen, const QRect& pane, const QSize& dialog) {
+QPoint DialogPlace(const QRect& screen, const QRect& pane, const QRect& neighbour, const QSize& dialog) {
     const QRect placed(QPoint(), dialog);
     if (!pane.isValid()) return screen.center() - placed.center();
 
-    const int screenRight = screen.x() + screen.width(), screenBottom = screen.y() + screen.height();
-    const int top = Within(pane.y(), dialog.height(), screen.y(), screenBottom);
-    const int left = Within(pane.x(), dialog.width(), screen.x(), screenRight);
-    const QPoint beside[] = {{pane.x() + pane.width(), top},
-                             {pane.x() - dialog.width(), top},
-                             {left, pane.y() - dialog.height()},
-                             {left, pane.y() + pane.height()}};
-    for (const QPoint& place : beside)
-        if (screen.contains(placed.translated(place))) return place;
+    for (const QRect& kept : {pane | neighbour, pane})
+        for (const QPoint& place : PlacesAround(kept, screen, dialog))
+            if (screen.contains(placed.translated(place))) return place;
 
-    const int right = screenRight - dialog.width(), bottom = screenBottom - dialog.height();
+    const int right = screen.x() + screen.width() - dialog.width();
+    const int bottom = screen.y() + screen.height() - dialog.height();
     const QPoint corners[] = {{right, screen.y()}, screen.topLeft(), {right, bottom}, {screen.x(), bottom}};
     const auto hidden = [&](const QPoint& place) {
         const QSize overlap = placed.translated(place).intersected(pane).size();
