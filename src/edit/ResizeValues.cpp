@@ -36,12 +36,12 @@ void ResizeValues::KeepProportions(int Index) {
 
 void ResizeValues::Text1_Change(int Index, const std::string& text) {
     if (text == Text(Index)) return;
-    text_[At(Index)] = text;
     const double V = LeadingNumber(text);
-    if (V > Max()) text_[At(Index)] = std::to_string(Max());
-    if (V < 0) text_[At(Index)] = "0";
-    ChangeHScroll(Index, RoundToEven(LeadingNumber(Text(Index))));
+    const std::string taken = V > Max() ? std::to_string(Max()) : V < 0 ? "0" : text;
+    ChangeHScroll(Index, RoundToEven(LeadingNumber(taken)));
     KeepProportions(Index);
+    // Of 100 the first digits alone may become 11 with the other side's rounding: the user has not done yet.
+    text_[At(Index)] = taken;
 }
 
 void ResizeValues::Option1_Click(int Index) {

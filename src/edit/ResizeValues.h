@@ -16,7 +16,10 @@ class ResizeValues {
 
     /// A slider has got a new value.
     void ChangeHScroll(int Index, int value);
+    /// A box has got another text, which may be a number half typed: it stays until FinishText, unless it is
+    /// beyond the limits, whatever the value becomes for the proportions' sake.
     void Text1_Change(int Index, const std::string& text);
+    void FinishText(int Index) { text_[At(Index)] = std::to_string(Value(Index)); }
     /// 0 pixels, 1 percent; both show the same size.
     void Option1_Click(int Index);
     void SetConstrainProportions(bool on) { constrain_ = on; }
@@ -24,7 +27,7 @@ class ResizeValues {
     bool ConstrainProportions() const { return constrain_; }
     bool Percent() const { return percent_; }
     int Value(int Index) const { return value_[At(Index)]; }
-    /// The box's text; it follows the value except where it is being typed.
+    /// The box's text; it follows the value except while it is being typed.
     const std::string& Text(int Index) const { return text_[At(Index)]; }
     /// Of both sliders; they start at 0.
     int Max() const { return percent_ ? 500 : MaxSize_; }

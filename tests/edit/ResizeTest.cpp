@@ -31,8 +31,8 @@ TEST(ResizeValues, TheLimitIsChosenByThePanesHeight) {
     }
 }
 
-/// What a user does: 'w' and 'h' move a slider, 'W' and 'H' type into a box, 'p' and '%' choose the unit, 'c'
-/// releases the proportions.
+/// What a user does: 'w' and 'h' move a slider, 'W' and 'H' type into a box, 'F' finishes that, 'p' and '%'
+/// choose the unit, 'c' releases the proportions.
 struct Action {
     char kind;
     std::string value = {};
@@ -51,6 +51,9 @@ void Do(const Action& action, ResizeValues& values) {
             break;
         case 'H':
             values.Text1_Change(1, action.value);
+            break;
+        case 'F':
+            for (const int i : {0, 1}) values.FinishText(i);
             break;
         case 'p':
             values.Option1_Click(0);
@@ -78,10 +81,13 @@ TEST(ResizeValues, SlidersAndBoxesFollowEachOther) {
         {{{'W', "300"}}, "300x150 [300|150] 500"},
         {{{'W', "501"}}, "500x250 [500|250] 500"},
         {{{'W', "-3"}}, "0x0 [0|0] 500"},
-        {{{'W', ""}}, "0x0 [0|0] 500"},
+        {{{'W', ""}}, "0x0 [|0] 500"},
         {{{'c'}, {'W', "-3"}}, "0x50 [0|50] 500"},
-        {{{'c'}, {'W', "20.5"}}, "20x50 [20|50] 500"},
+        {{{'c'}, {'W', "20.5"}}, "20x50 [20.5|50] 500"},
         {{{'W', "100 px"}}, "100x50 [100 px|50] 500"},
+        {{{'W', "51"}}, "52x26 [51|26] 500"},  // the proportions win over the number, when it is complete
+        {{{'W', "51"}, {'W', "510"}}, "500x250 [500|250] 500"},
+        {{{'W', "51"}, {'F'}}, "52x26 [52|26] 500"},
         {{{'%'}}, "100x100 [100|100] 500"},
         {{{'%'}, {'w', "150"}}, "150x150 [150|150] 500"},
         {{{'%'}, {'H', "700"}}, "500x500 [500|500] 500"},

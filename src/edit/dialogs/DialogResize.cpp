@@ -77,6 +77,7 @@ void DialogResize::ConnectControls() {
         connect(HScroll1_[at], &ValueSlider::Change, this, [this, i] { ChangeHScroll(i); });
         connect(HScroll1_[at], &ValueSlider::Scroll, this, [this, i] { ChangeHScroll(i); });
         connect(Text1_[at], &QLineEdit::textChanged, this, [this, i] { Text1_Change(i); });
+        connect(Text1_[at], &QLineEdit::editingFinished, this, [this] { FinishTexts(); });
         connect(Option1_[at], &QRadioButton::clicked, this, [this, i] { Option1_Click(i); });
     }
     for (int i = 0; i < 3; ++i)
@@ -129,6 +130,11 @@ void DialogResize::Text1_Change(int Index) {
     ShowValues();
 }
 
+void DialogResize::FinishTexts() {
+    for (const int i : {0, 1}) values_.FinishText(i);
+    ShowValues();
+}
+
 void DialogResize::Option1_Click(int Index) {
     if (Loading_ || values_.Percent() == (Index == 1)) return;
     Switching_ = true;
@@ -140,6 +146,7 @@ void DialogResize::Option1_Click(int Index) {
 void DialogResize::OKButton_Click(int Index) {
     switch (Index) {
         case 0:
+            FinishTexts();
             resize_.Apply(values_);
             break;
         case 1:

@@ -42,6 +42,7 @@ class DialogResize final : public QDialog {
     void ConnectControls();
     void SetStartData();
     void Text1_Change(int Index);
+    void FinishTexts();
     void Option1_Click(int Index);
     void ShowValues();
     int ExportPaneHeight() const;
