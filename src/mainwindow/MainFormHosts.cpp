@@ -70,6 +70,8 @@ void MainForm::SetTreeToolTip(const std::string& text) {
 }
 
 void MainForm::BusyCursor(bool on) {
+    // Under a slider that is being dragged it would flicker at every step.
+    if (on && Dialog2_ != nullptr && QApplication::mouseButtons() != Qt::NoButton) return;
     // The pointer is set, not stacked: one normal pointer ends any number of hourglasses.
     while (QApplication::overrideCursor() != nullptr) QApplication::restoreOverrideCursor();
     if (on) QApplication::setOverrideCursor(Qt::WaitCursor);
