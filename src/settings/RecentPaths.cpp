@@ -32,8 +32,12 @@ std::vector<std::string> ReadRecentPaths(const std::string& file) {
 Result<void> WriteRecentPaths(const std::string& file, const std::vector<std::string>& paths) {
     std::string bytes;
     for (const std::string& path : paths) bytes += FixedText(path + std::string(kTerminator), kRecordSize);
-    if (const Result<FileBytes> former = FileBytes::Read(file); former)
-        bytes += TextOf(Slice(former.Value().View(), bytes.size()));
+    if (const Result<FileBytes> read = FileBytes::Read(file); read) {
+        const std::string former = TextOf(read.Value().View());
+        if (former.size() > bytes.size()) bytes += former.substr(bytes.size());
+        // What is there already needs no waiting for the disk.
+        if (former == bytes) return {};
+    }
     return ReplaceFile(file, [&](ByteSink& sink) { return sink.Write(AsBytes(bytes)); });
 }
 

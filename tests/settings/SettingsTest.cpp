@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "settings/FixedText.h"
 #include "settings/RecentPaths.h"
 #include "settings/SettingsFile.h"
@@ -144,6 +146,10 @@ TEST(RecentPaths, AreRecordsOfAHundredBytes) {
     EXPECT_EQ(ReadRecentPaths(file), (Paths{"/a b", longest, "/c"}));
     test::Must(WriteRecentPaths(file, {"/new"}));
     EXPECT_EQ(ReadRecentPaths(file), (Paths{"/new", longest, "/c"})) << "the former tail stays";
+    const std::filesystem::file_time_type before{};
+    std::filesystem::last_write_time(file, before);
+    test::Must(WriteRecentPaths(file, {"/new"}));
+    EXPECT_EQ(std::filesystem::last_write_time(file), before) << "what is there is not written again";
 
     test::WriteWhole(
         file, test::Concatenate({Text(FixedText("///", 100)), Text(FixedText("/x///y", 100)), Blanks(50)}));
