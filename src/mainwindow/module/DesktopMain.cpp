@@ -28,6 +28,26 @@ bool HasDisplay() {
     return std::getenv("DISPLAY") || std::getenv("WAYLAND_DISPLAY") || std::getenv("QT_QPA_PLATFORM");
 }
 
+/// The help's window, made when it is first asked for: laying out its pages would take a good part of the
+/// start.
+class HelpWhenWanted final : public HelpViewer {
+  public:
+    void DisplayIndex(const std::string& page) override { Window().DisplayIndex(page); }
+    void DisplayContents(const std::string& page) override { Window().DisplayContents(page); }
+    void DisplayTopic(const std::string& topic) override { Window().DisplayTopic(topic); }
+    void CloseHelp() override {
+        if (window_ != nullptr) window_->CloseHelp();
+    }
+
+  private:
+    HelpWindow& Window() {
+        if (window_ == nullptr) window_ = std::make_unique<HelpWindow>(HelpFolder());
+        return *window_;
+    }
+
+    std::unique_ptr<HelpWindow> window_;
+};
+
 /// The window and all that it stands on, until the window is closed.
 void RunDesktop() {
     DesktopShell shell;
@@ -42,7 +62,7 @@ void RunDesktop() {
     SystemClock clock;
     SystemRandom random;
     DesktopLinkOpener links;
-    HelpWindow help(HelpFolder());
+    HelpWhenWanted help;
     MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links, help});
     if (form.Form_Load()) QApplication::exec();
 }
