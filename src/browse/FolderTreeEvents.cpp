@@ -14,6 +14,7 @@ namespace tessara {
 namespace {
 
 constexpr int kTwipsPerPixel = 15;
+constexpr int kIndentation = 13;  ///< pixels a level: in a narrow tree a deep folder still shows its name
 
 }  // namespace
 
@@ -67,6 +68,7 @@ void FolderTree::ConnectTree() {
     TreeViewS_->header()->setResizeContentsPrecision(0);
     TreeViewS_->setUniformRowHeights(true);
     TreeViewS_->setIconSize(QSize(16, 16));
+    TreeViewS_->setIndentation(kIndentation);
     TreeViewS_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     TreeViewS_->setAcceptDrops(true);
     TreeViewS_->installEventFilter(this);
