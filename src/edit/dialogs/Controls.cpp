@@ -1,6 +1,6 @@
 #include "edit/dialogs/Controls.h"
 
-#include <QStyle>
+#include "artwork/Artwork.h"
 
 namespace tessara {
 
@@ -39,10 +39,11 @@ QBoxLayout* LayOutWithButtons(QDialog* dialog, QLayout* controls, std::span<QPus
 QToolButton* MakeHelpIcon(QWidget* parent) {
     auto* const frame = Named(new QWidget(parent), QStringLiteral("PictureHelp"));
     auto* const icon = Named(new QToolButton(frame), QStringLiteral("ImageHelp"));
-    icon->setIcon(icon->style()->standardIcon(QStyle::SP_MessageBoxQuestion));
+    icon->setIcon(Artwork("help"));
     icon->setAutoRaise(true);
     icon->setCursor(Qt::PointingHandCursor);
-    icon->setAccessibleName(QStringLiteral("Help"));
+    icon->setToolTip(QStringLiteral("Help"));
+    icon->setAccessibleName(icon->toolTip());
     auto* const layout = new QHBoxLayout(frame);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(icon);

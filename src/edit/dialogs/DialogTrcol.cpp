@@ -1,5 +1,6 @@
 #include "edit/dialogs/DialogTrcol.h"
 
+#include <QGridLayout>
 #include <QHBoxLayout>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -68,10 +69,9 @@ void DialogTrcol::LayOut() {
     whole->addWidget(rastx1_, 0, Qt::AlignHCenter);
     whole->addLayout(swatch);
     whole->addWidget(Label2_, 0, Qt::AlignHCenter);
-    auto* const last = new QHBoxLayout;
-    last->addStretch(1);
-    last->addWidget(OKButton_);
-    last->addWidget(ImageHelp_->parentWidget(), 1, Qt::AlignRight);
+    auto* const last = new QGridLayout;
+    last->addWidget(OKButton_, 0, 0, Qt::AlignHCenter);
+    last->addWidget(ImageHelp_->parentWidget(), 0, 0, Qt::AlignRight);
     whole->addLayout(last);
     whole->setSizeConstraint(QLayout::SetFixedSize);
 }
