@@ -10,6 +10,8 @@
 
 namespace tessara {
 
+class FileTable;
+
 /// The file table `ListViewFile`: a check box, an icon and five columns for each file of the folder. A row's
 /// key is the file's full path in bytes.
 class FileList : public QWidget {
@@ -46,8 +48,8 @@ class FileList : public QWidget {
     void changeEvent(QEvent* event) override;
 
   private:
-    class RowDelegate;
-    class Table;
+    static constexpr int kKeyRole = Qt::UserRole;
+    static constexpr std::size_t kGenericIcon = 1;  ///< positions count from 1
     struct Build;
     /// The row last shown in the panes. It outlives a rebuild.
     struct CurrentFileRecord {
@@ -75,7 +77,7 @@ class FileList : public QWidget {
     void WriteTotals(const Build& build);
 
     Browser& browser_;
-    Table* table_ = nullptr;
+    FileTable* table_ = nullptr;
     QTreeWidget* ListViewFile_ = nullptr;
     std::vector<QIcon> ImageListFile_;  ///< the first is the generic one, which is never removed
     CurrentFileRecord CurrentFile_;

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QTreeWidget>
+
+#include "browse/OneLineDelegate.h"
+
+namespace tessara {
+
+/// Check boxes that are seen on the table's ground: their frames are made from the window's colour.
+class FileRowDelegate final : public OneLineDelegate {
+  public:
+    using OneLineDelegate::OneLineDelegate;
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
+};
+
+/// A table in which a click on a check box leaves the highlight where it is: it marks the file in the panes.
+class FileTable final : public QTreeWidget {
+  public:
+    using QTreeWidget::QTreeWidget;
+
+    bool IsOnCheckBox(const QPoint& position) const;
+
+  protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
+};
+
+}  // namespace tessara
