@@ -168,10 +168,14 @@ ByteVector Concatenate(std::initializer_list<ByteVector> parts) {
     return whole;
 }
 
-ByteVector Encode(const Codec& codec, const Picture& picture, const EncodeOptions& options) {
+ByteVector Encode(decltype(Codec::encode) encode, const Picture& picture, const EncodeOptions& options) {
     MemorySink sink;
-    Must(codec.encode(picture, options, sink));
+    Must(encode(picture, options, sink));
     return sink.TakeBytes();
+}
+
+ByteVector Encode(const Codec& codec, const Picture& picture, const EncodeOptions& options) {
+    return Encode(codec.encode, picture, options);
 }
 
 bool HasSamples() {

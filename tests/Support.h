@@ -47,6 +47,7 @@ ByteVector Hex(std::string_view text);
 ByteVector Concatenate(std::initializer_list<ByteVector> parts);
 
 /// Encodes to memory.
+ByteVector Encode(decltype(Codec::encode) encode, const Picture& picture, const EncodeOptions& options = {});
 ByteVector Encode(const Codec& codec, const Picture& picture, const EncodeOptions& options = {});
 
 /// A file of the shared sample folder ("bmp/hopper.bmp"); empty where the folder is missing, see

@@ -10,17 +10,6 @@ namespace {
 
 constexpr std::uint32_t kStock = 0x80000000;
 
-std::vector<Pixel> ReadPaletteColors(ByteReader& reader, std::size_t count) {
-    std::vector<Pixel> colors(std::min(count, reader.Left() / 4));
-    for (Pixel& color : colors) {
-        color.r = reader.U8();
-        color.g = reader.U8();
-        color.b = reader.U8();
-        reader.Skip(1);
-    }
-    return colors;
-}
-
 Brush::Kind KindOf(std::uint32_t style) {
     switch (style) {
         case 1:

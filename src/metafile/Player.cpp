@@ -36,6 +36,17 @@ QRgb ColorOf(std::uint32_t value, const Palette& palette) {
                 static_cast<int>((value >> 16) & 0xFF));
 }
 
+std::vector<Pixel> ReadPaletteColors(ByteReader& reader, std::size_t count) {
+    std::vector<Pixel> colors(std::min(count, reader.Left() / 4));
+    for (Pixel& color : colors) {
+        color.r = reader.U8();
+        color.g = reader.U8();
+        color.b = reader.U8();
+        reader.Skip(1);
+    }
+    return colors;
+}
+
 void ReadFontStyle(ByteReader& reader, Font& font) {
     font.italic = reader.U8() != 0;
     font.underline = reader.U8() != 0;

@@ -24,6 +24,9 @@ QSize PictureSize(double width, double height, std::size_t fileBytes, const Limi
 /// Colours as records hold them: red, green, blue, and a flag that may make them an index into the palette.
 QRgb ColorOf(std::uint32_t value, const Palette& palette);
 
+/// As many of the colours as there are, each in four bytes: red, green, blue and a flag.
+std::vector<Pixel> ReadPaletteColors(ByteReader& reader, std::size_t count);
+
 /// What both kinds of font records have alike, from the flags of style to the family.
 void ReadFontStyle(ByteReader& reader, Font& font);
 

@@ -37,17 +37,6 @@ std::vector<QPointF> ReadPoints(ByteReader& reader, std::size_t count) {
     return points;
 }
 
-std::vector<Pixel> ReadPaletteColors(ByteReader& reader, std::size_t count) {
-    std::vector<Pixel> colors(std::min(count, reader.Left() / 4));
-    for (Pixel& color : colors) {
-        color.r = reader.U8();
-        color.g = reader.U8();
-        color.b = reader.U8();
-        reader.Skip(1);
-    }
-    return colors;
-}
-
 void SetNonZero(QPointF& target, QPointF value) {
     if (value.x() != 0 && value.y() != 0) target = value;
 }

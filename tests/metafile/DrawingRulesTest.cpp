@@ -12,23 +12,6 @@ namespace {
 
 using namespace test;
 
-/// Where dark pixels lie.
-struct Ink {
-    int left = 1 << 20, top = 1 << 20, right = -1, bottom = -1;
-    int Width() const { return right - left + 1; }
-    int Height() const { return bottom - top + 1; }
-};
-
-Ink InkOf(const Picture& picture) {
-    Ink ink;
-    for (int y = 0; y < picture.Height(); ++y)
-        for (int x = 0; x < picture.Width(); ++x)
-            if (picture.At(x, y).g < 128)
-                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x),
-                       std::max(ink.bottom, y)};
-    return ink;
-}
-
 Picture Played(const EmfBuilder& emf) {
     return Must(DecodeEmf(emf.File(), {}));
 }

@@ -142,6 +142,23 @@ inline ByteVector Dib(std::string_view sketch) {
     return dib.TakeBytes();
 }
 
+/// Where dark pixels lie.
+struct Ink {
+    int left = 1 << 20, top = 1 << 20, right = -1, bottom = -1;
+    int Width() const { return right - left + 1; }
+    int Height() const { return bottom - top + 1; }
+};
+
+inline Ink InkOf(const Picture& picture) {
+    Ink ink;
+    for (int y = 0; y < picture.Height(); ++y)
+        for (int x = 0; x < picture.Width(); ++x)
+            if (picture.At(x, y).g < 128)
+                ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x),
+                       std::max(ink.bottom, y)};
+    return ink;
+}
+
 /// A stroke of 16-bit coordinates.
 inline ByteVector Points(std::initializer_list<int> coordinates) {
     ByteWriter points;

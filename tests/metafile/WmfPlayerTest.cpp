@@ -252,18 +252,6 @@ TEST(WmfPlayer, PlacesText) {
         call.U16Le(static_cast<std::uint32_t>(y)).U16Le(static_cast<std::uint32_t>(x));
         return Must(DecodeWmf(wmf.Record(0x0521, {}, call.Written()).File(), {}));
     };
-    struct Ink {
-        int left = 1000, top = 1000, right = -1, bottom = -1;
-    };
-    const auto inkOf = [](const Picture& picture) {
-        Ink ink;
-        for (int y = 0; y < picture.Height(); ++y)
-            for (int x = 0; x < picture.Width(); ++x)
-                if (picture.At(x, y).g < 128)
-                    ink = {std::min(ink.left, x), std::min(ink.top, y), std::max(ink.right, x),
-                           std::max(ink.bottom, y)};
-        return ink;
-    };
     struct Place {
         const char* name;
         int align;
@@ -275,7 +263,7 @@ TEST(WmfPlayer, PlacesText) {
                                Place{"left, top", 0, false, true, false, true},
                                Place{"left, bottom", 8, false, true, true, false}}) {
         SCOPED_TRACE(place.name);
-        const Ink ink = inkOf(written(WmfBuilder(100, 60).Record(0x0102, {1}), place.align, "HHH", 50, 30));
+        const Ink ink = InkOf(written(WmfBuilder(100, 60).Record(0x0102, {1}), place.align, "HHH", 50, 30));
         ASSERT_GE(ink.right, 0) << "nothing was written";
         EXPECT_EQ(ink.left < 49, place.leftOfPoint);
         EXPECT_EQ(ink.right > 51, place.rightOfPoint);

@@ -6,6 +6,7 @@ namespace tessara {
 namespace {
 
 using test::Draw;
+using test::Encode;
 using test::Hex;
 using test::Must;
 using test::Sketch;
@@ -88,11 +89,10 @@ TEST(Bmp, RecognisesABareBitmapOnlyWhereEveryFieldFits) {
 TEST(Bmp, WritesRowsFromTheBottomUpWithPadding) {
     Picture picture = Draw("RG BK");
     picture.SetResolution({96, 72});
-    MemorySink sink;
-    Must(EncodeBmp(picture, {}, sink));
-    EXPECT_EQ(sink.Written(), Hex("424d 46000000 00000000 36000000 28000000 02000000 02000000 0100 1800"
-                                  "00000000 10000000 c40e0000 130b0000 00000000 00000000"
-                                  "ff0000 000000 0000 0000ff 00ff00 0000"));
+    EXPECT_EQ(Encode(EncodeBmp, picture),
+              Hex("424d 46000000 00000000 36000000 28000000 02000000 02000000 0100 1800"
+                  "00000000 10000000 c40e0000 130b0000 00000000 00000000"
+                  "ff0000 000000 0000 0000ff 00ff00 0000"));
 }
 
 TEST(Bmp, PicturesOfManyBlocksComeBack) {
@@ -100,9 +100,8 @@ TEST(Bmp, PicturesOfManyBlocksComeBack) {
     MemorySink sink;
     Must(EncodeBmpWithAlpha(picture, sink));
     EXPECT_EQ(test::LargestDifference(Must(DecodeBmp(sink.Written(), {})), picture), 0);
-    MemorySink flat;
-    Must(EncodeBmp(picture, {}, flat));
-    EXPECT_EQ(test::LargestDifference(Must(DecodeBmp(flat.Written(), {})), picture.FlattenedOnWhite()), 0);
+    const ByteVector flat = Encode(EncodeBmp, picture);
+    EXPECT_EQ(test::LargestDifference(Must(DecodeBmp(flat, {})), picture.FlattenedOnWhite()), 0);
 }
 
 TEST(Bmp, KeepsAPictureThatIsTransparentEverywhere) {

@@ -10,6 +10,7 @@ namespace tessara {
 namespace {
 
 using test::Draw;
+using test::Encode;
 using test::Hex;
 using test::LargestDifference;
 using test::Must;
@@ -80,17 +81,11 @@ TEST(Ico, RecognisesDirectoriesThatLeadToAPicture) {
         RecogniseIco(test::Concatenate({Hex("000002 0000000000 00000000 1000 0100 1800"), ByteVector(48)})));
 }
 
-ByteVector Write(const Picture& picture, const EncodeOptions& options = {}) {
-    MemorySink sink;
-    Must(EncodeIco(picture, options, sink));
-    return sink.TakeBytes();
-}
-
 TEST(Ico, WritesPixelsWithAlphaAndAMask) {
-    EXPECT_EQ(Write(Draw("R. WB")), Hex("0000 0100 0100 02 02 00 00 0100 2000 40000000 16000000"
-                                        "28000000 02000000 04000000 0100 2000 00000000 18000000"
-                                        "00000000 00000000 00000000 00000000"
-                                        "ffffffff ff0000ff 0000ffff 00000000 00000000 40000000"));
+    EXPECT_EQ(Encode(EncodeIco, Draw("R. WB")), Hex("0000 0100 0100 02 02 00 00 0100 2000 40000000 16000000"
+                                                    "28000000 02000000 04000000 0100 2000 00000000 18000000"
+                                                    "00000000 00000000 00000000 00000000"
+                                                    "ffffffff ff0000ff 0000ffff 00000000 00000000 40000000"));
 }
 
 TEST(Ico, MakesTheChosenColorTransparent) {
@@ -105,14 +100,15 @@ TEST(Ico, MakesTheChosenColorTransparent) {
         {"not asked for", {.transparent = false, .color = RGB(255, 0, 0)}, "RWK"},
     };
     for (const auto& row : cases)
-        EXPECT_EQ(Sketch(Must(DecodeIco(Write(Draw("RWK"), row.options), {}))), row.expected) << row.name;
+        EXPECT_EQ(Sketch(Must(DecodeIco(Encode(EncodeIco, Draw("RWK"), row.options), {}))), row.expected)
+            << row.name;
 }
 
 TEST(Ico, KeepsAlphaOfEverySize) {
     for (const auto& [width, height] :
          {std::pair{1, 1}, {32, 32}, {33, 7}, {255, 255}, {256, 10}, {256, 256}}) {
         const Picture picture = test::PhotoLikeWithAlpha(width, height);
-        EXPECT_EQ(LargestDifference(Must(DecodeIco(Write(picture), {})), picture), 0)
+        EXPECT_EQ(LargestDifference(Must(DecodeIco(Encode(EncodeIco, picture), {})), picture), 0)
             << width << "x" << height;
     }
 }
@@ -121,12 +117,12 @@ TEST(Ico, ShrinksWhatIsTooLarge) {
     // Pairs of columns become one; the transparent half of a pair has no colour to give.
     Picture picture = Must(Picture::Create(512, 4, Pixel{0, 0, 255, 255}, Alpha::Straight));
     for (int y = 0; y < 4; ++y) picture.MutableRow(y)[0] = kTransparent;
-    const Picture small = Must(DecodeIco(Write(picture), {}));
+    const Picture small = Must(DecodeIco(Encode(EncodeIco, picture), {}));
     EXPECT_EQ(small.Width(), 256);
     EXPECT_EQ(small.Height(), 2);
     EXPECT_EQ(small.At(0, 0), (Pixel{0, 0, 255, 128}));
     EXPECT_EQ(small.At(255, 1), (Pixel{0, 0, 255, 255}));
-    EXPECT_EQ(Must(DecodeIco(Write(test::PhotoLike(1000, 1)), {})).Height(), 1);
+    EXPECT_EQ(Must(DecodeIco(Encode(EncodeIco, test::PhotoLike(1000, 1)), {})).Height(), 1);
 }
 
 }  // namespace

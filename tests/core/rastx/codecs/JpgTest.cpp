@@ -9,17 +9,12 @@
 namespace tessara {
 namespace {
 
+using test::Encode;
 using test::Hex;
 using test::Must;
 
 Picture Read(const ByteVector& file) {
     return Must(DecodeJpg(file, {}));
-}
-
-ByteVector Write(const Picture& picture, const EncodeOptions& options = {}) {
-    MemorySink sink;
-    Must(EncodeJpg(picture, options, sink));
-    return sink.TakeBytes();
 }
 
 /// Where the segment of a marker starts (its 0xff), or 0.
@@ -60,7 +55,7 @@ TEST(Jpg, OptionsChooseTheFormOfTheFile) {
     };
     const Picture picture = test::PhotoLike(100, 75);
     for (const auto& row : cases) {
-        const ByteVector file = Write(picture, row.options);
+        const ByteVector file = Encode(EncodeJpg, picture, row.options);
         const std::size_t frame = FindSegment(file, row.frame);
         ASSERT_NE(frame, 0u) << row.name;
         EXPECT_EQ(file[frame + 9], row.components) << row.name;
@@ -70,7 +65,7 @@ TEST(Jpg, OptionsChooseTheFormOfTheFile) {
 }
 
 TEST(Jpg, TransparentPixelsAreWrittenOnWhite) {
-    const Picture read = Read(Write(test::Draw("........ ........"), {.quality = 100}));
+    const Picture read = Read(Encode(EncodeJpg, test::Draw("........ ........"), {.quality = 100}));
     EXPECT_FALSE(read.HasAlpha());
     EXPECT_EQ(test::LargestDifference(read, test::Draw("WWWWWWWW WWWWWWWW")), 0);
 }
@@ -79,7 +74,7 @@ TEST(Jpg, ResolutionAndExifAreKept) {
     Picture picture = test::PhotoLike(16, 16);
     const ByteVector exif = Hex("4D4D002A 00000008 0001 0112 0003 00000001 00010000 00000000");
     picture.SetMeta({{300, 150}, std::make_shared<const ByteVector>(exif)});
-    const Picture read = Read(Write(picture));
+    const Picture read = Read(Encode(EncodeJpg, picture));
     EXPECT_EQ(read.Meta().resolution.x, 300);
     EXPECT_EQ(read.Meta().resolution.y, 150);
     ASSERT_TRUE(read.Meta().exif);
@@ -93,7 +88,7 @@ TEST(Jpg, ThePictureIsTurnedAsExifSays) {
         for (int x = 0; x < 48; ++x)
             stored.MutableRow(y)[static_cast<std::size_t>(x)] = x < 24 ? kBlack : kWhite;
     stored.SetMeta({{300, 150}, std::make_shared<const ByteVector>(sideways)});
-    const Picture read = Read(Write(stored, {.quality = 100}));
+    const Picture read = Read(Encode(EncodeJpg, stored, {.quality = 100}));
     EXPECT_EQ(read.Width(), 40);
     EXPECT_EQ(read.Height(), 48);
     EXPECT_EQ(read.Meta().resolution.x, 150);
@@ -105,7 +100,7 @@ TEST(Jpg, ThePictureIsTurnedAsExifSays) {
 TEST(Jpg, OfACutFileTheRestIsWhite) {
     const Picture picture = test::PhotoLike(160, 160);
     for (const bool progressive : {false, true}) {
-        const ByteVector whole = Write(picture, {.quality = 90, .progressive = progressive});
+        const ByteVector whole = Encode(EncodeJpg, picture, {.quality = 90, .progressive = progressive});
         const std::size_t scan = FindSegment(whole, 0xda);
         // A progressive file begins with a scan of averages, about a tenth of its length.
         const std::size_t length = scan + (whole.size() - scan) / (progressive ? 24 : 2);
@@ -121,7 +116,8 @@ TEST(Jpg, OfACutFileTheRestIsWhite) {
 
 TEST(Jpg, EndlessScansDoNotKeepTheDecoderBusy) {
     // One refining scan over and over: a file of some hundred kilobytes that would take minutes.
-    const ByteVector whole = Write(test::PhotoLike(900, 900), {.quality = 10, .progressive = true});
+    const ByteVector whole =
+        Encode(EncodeJpg, test::PhotoLike(900, 900), {.quality = 10, .progressive = true});
     const std::size_t firstScan = FindSegment(whole, 0xda);
     ByteVector file(whole.begin(), whole.end() - 2);
     const ByteVector emptyScan = Hex("FFDA 0008 01 01 00 01 01 01 00");
@@ -136,7 +132,7 @@ TEST(Jpg, ASecondFrameDoesNotChangeThePicture) {
          {"FFC2 000B 08 0001 0001 01 01 11 00", "FFC2 0014 08 0400 0400 04 01110002110003110004 1100"})
         for (const bool progressive : {false, true}) {
             const Picture picture = test::PhotoLike(60, 40);
-            ByteVector file = Write(picture, {.quality = 95, .progressive = progressive});
+            ByteVector file = Encode(EncodeJpg, picture, {.quality = 95, .progressive = progressive});
             const ByteVector second = Hex(frame);
             file.insert(file.end() - 2, second.begin(), second.end());
             EXPECT_GT(test::Psnr(Read(file), picture), 36);

@@ -7,6 +7,7 @@ namespace {
 
 using test::Concatenate;
 using test::Draw;
+using test::Encode;
 using test::Hex;
 using test::Must;
 
@@ -150,19 +151,17 @@ TEST(Tga, WritesTheSmallestKindThatHoldsThePicture) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        MemorySink sink;
-        Must(EncodeTga(row.picture, {}, sink));
-        EXPECT_EQ(sink.Written(), Concatenate({Hex(row.file), Hex("00000000"), Hex(kFooterEnd)}));
+        EXPECT_EQ(Encode(EncodeTga, row.picture),
+                  Concatenate({Hex(row.file), Hex("00000000"), Hex(kFooterEnd)}));
     }
 }
 
 TEST(Tga, WhatIsWrittenIsReadBack) {
     const Picture pictures[] = {test::PhotoLike(301, 7), test::PhotoLikeWithAlpha(301, 7), Draw(".. ..")};
     for (const Picture& picture : pictures) {
-        MemorySink sink;
-        Must(EncodeTga(picture, {}, sink));
-        EXPECT_TRUE(RecogniseTga(sink.Written()));
-        EXPECT_EQ(test::LargestDifference(Must(DecodeTga(sink.Written(), {})), picture), 0);
+        const ByteVector file = Encode(EncodeTga, picture);
+        EXPECT_TRUE(RecogniseTga(file));
+        EXPECT_EQ(test::LargestDifference(Must(DecodeTga(file, {})), picture), 0);
     }
 }
 

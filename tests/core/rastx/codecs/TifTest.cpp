@@ -11,6 +11,7 @@ namespace tessara {
 namespace {
 
 using test::Draw;
+using test::Encode;
 using test::Hex;
 using test::Must;
 using test::Sketch;
@@ -461,12 +462,6 @@ TEST(Tif, TurnsUprightAndTellsTheResolution) {
         Must(DecodeTif(File(With(1, 1, 8, 1, 1, noUnit), {Hex("00")}), {})).Meta().resolution.Known());
 }
 
-ByteVector Written(const Picture& picture) {
-    MemorySink sink;
-    Must(EncodeTif(picture, {}, sink));
-    return sink.TakeBytes();
-}
-
 TEST(Tif, WritesNoMoreSamplesThanThePictureNeeds) {
     const struct {
         const char* name;
@@ -479,7 +474,7 @@ TEST(Tif, WritesNoMoreSamplesThanThePictureNeeds) {
         {"alpha", Draw("K.W"), 8, 4},
     };
     for (const auto& row : cases) {
-        const ByteVector file = Written(row.picture);
+        const ByteVector file = Encode(EncodeTif, row.picture);
         EXPECT_EQ(Seen(file), Sketch(row.picture)) << row.name;
         ByteReader reader(file);
         reader.Seek(4);
@@ -506,12 +501,12 @@ TEST(Tif, WritesNoMoreSamplesThanThePictureNeeds) {
 TEST(Tif, WritesPicturesOfManyStrips) {
     Picture photo = test::PhotoLike(601, 901);
     photo.SetResolution({71.98, 300});
-    const Picture read = Must(DecodeTif(Written(photo), {}));
+    const Picture read = Must(DecodeTif(Encode(EncodeTif, photo), {}));
     EXPECT_EQ(test::LargestDifference(read, photo), 0);
     EXPECT_DOUBLE_EQ(read.Meta().resolution.y, 300);
     EXPECT_NEAR(read.Meta().resolution.x, 71.98, 1e-4);
     const Picture translucent = test::PhotoLikeWithAlpha(601, 601);
-    EXPECT_EQ(test::LargestDifference(Must(DecodeTif(Written(translucent), {})), translucent), 0);
+    EXPECT_EQ(test::LargestDifference(Must(DecodeTif(Encode(EncodeTif, translucent), {})), translucent), 0);
 }
 
 TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
@@ -526,7 +521,7 @@ TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
     Picture picture = Draw("RGB");
     picture.SetMeta({{}, std::make_shared<const ByteVector>(exif)});
     // A TIFF begins like an EXIF block, so the same reader finds what was written.
-    const ByteVector file = Written(picture);
+    const ByteVector file = Encode(EncodeTif, picture);
     const ExifDirectories written = ReadExifDirectories(file);
     ASSERT_EQ(written.image.size(), 1u);
     EXPECT_EQ(written.image[0].values, Hex("43616D6572 00"));
@@ -541,7 +536,7 @@ TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
         picture.SetMeta({{},
                          std::make_shared<const ByteVector>(
                              exif.begin(), exif.begin() + static_cast<std::ptrdiff_t>(length))});
-        EXPECT_EQ(Sketch(Must(DecodeTif(Written(picture), {}))), "RGB") << length;
+        EXPECT_EQ(Sketch(Must(DecodeTif(Encode(EncodeTif, picture), {}))), "RGB") << length;
     }
 }
 

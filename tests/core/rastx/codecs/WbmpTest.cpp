@@ -8,12 +8,6 @@
 namespace tessara::test {
 namespace {
 
-ByteVector EncodedWbmp(const Picture& picture) {
-    MemorySink sink;
-    Must(EncodeWbmp(picture, {}, sink));
-    return sink.TakeBytes();
-}
-
 TEST(Wbmp, TellsPicturesFromOtherFiles) {
     const struct {
         const char* what;
@@ -49,7 +43,7 @@ TEST(Wbmp, TellsPicturesFromOtherFiles) {
 
 TEST(Wbmp, WritesSizesInGroupsOfSevenBits) {
     const auto headerOf = [](int width, int height) {
-        ByteVector file = EncodedWbmp(Must(Picture::Create(width, height, kBlack, Alpha::None)));
+        ByteVector file = Encode(EncodeWbmp, Must(Picture::Create(width, height, kBlack, Alpha::None)));
         file.resize(file.size() - static_cast<std::size_t>((width + 7) / 8 * height));
         return file;
     };
@@ -59,19 +53,19 @@ TEST(Wbmp, WritesSizesInGroupsOfSevenBits) {
 }
 
 TEST(Wbmp, KeepsBlackAndWhiteAndShowsTransparencyWhite) {
-    EXPECT_EQ(EncodedWbmp(Draw("WKWKKKKKW KKKKKKKKK")), Hex("0000 0902 A080 0000"));
-    EXPECT_EQ(Sketch(Must(DecodeWbmp(EncodedWbmp(Draw("K.W .K.")), {}))), "KWW WKW");
+    EXPECT_EQ(Encode(EncodeWbmp, Draw("WKWKKKKKW KKKKKKKKK")), Hex("0000 0902 A080 0000"));
+    EXPECT_EQ(Sketch(Must(DecodeWbmp(Encode(EncodeWbmp, Draw("K.W .K.")), {}))), "KWW WKW");
 }
 
 TEST(Wbmp, DithersByLuminance) {
     // Worked out by hand: 112 leaves 112, of which 49 reach the next pixel; that is white and leaves -94, and
     // so on.
-    EXPECT_EQ(Sketch(Must(DecodeWbmp(EncodedWbmp(Draw("444")), {}))), "KWK");
+    EXPECT_EQ(Sketch(Must(DecodeWbmp(Encode(EncodeWbmp, Draw("444")), {}))), "KWK");
     // Pure green is 150 bright, blue 29: the share of white pixels is that of the brightness.
     for (const auto& [letter, luma] : {std::pair{'G', 150}, {'B', 29}, {'8', 224}}) {
         std::string rows;
         for (int y = 0; y < 64; ++y) rows += std::string(64, letter) + " ";
-        const Picture read = Must(DecodeWbmp(EncodedWbmp(Draw(rows)), {}));
+        const Picture read = Must(DecodeWbmp(Encode(EncodeWbmp, Draw(rows)), {}));
         const auto white = std::ranges::count(read.Pixels(), kWhite);
         EXPECT_NEAR(static_cast<double>(white), 4096.0 * luma / 255, 30) << letter;
     }
