@@ -29,7 +29,7 @@ QItemSelectionModel::SelectionFlags FileTable::selectionCommand(const QModelInde
     if (const auto* mouse = dynamic_cast<const QMouseEvent*>(event);
         mouse != nullptr && IsOnCheckBox(mouse->position().toPoint()))
         return QItemSelectionModel::NoUpdate;
-    return QTreeWidget::selectionCommand(index, event);
+    return SteadyTree::selectionCommand(index, event);
 }
 
 }  // namespace tessara

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <QTreeWidget>
-
 #include "browse/OneLineDelegate.h"
+#include "browse/SteadyTree.h"
 
 namespace tessara {
 
@@ -16,9 +15,9 @@ class FileRowDelegate final : public OneLineDelegate {
 };
 
 /// A table in which a click on a check box leaves the highlight where it is: it marks the file in the panes.
-class FileTable final : public QTreeWidget {
+class FileTable final : public SteadyTree {
   public:
-    using QTreeWidget::QTreeWidget;
+    using SteadyTree::SteadyTree;
 
     bool IsOnCheckBox(const QPoint& position) const;
 

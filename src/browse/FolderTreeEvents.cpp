@@ -8,6 +8,7 @@
 #include "browse/FileList.h"
 #include "browse/FolderNaming.h"
 #include "browse/FolderTree.h"
+#include "browse/SteadyTree.h"
 #include "browse/TreeDelegate.h"
 
 namespace tessara {
@@ -19,23 +20,23 @@ constexpr int kIndentation = 13;  ///< pixels a level: in a narrow tree a deep f
 }  // namespace
 
 /// A tree that knows whether the user is at work: nodes also expand when one below them is shown.
-class FolderTree::View final : public QTreeWidget {
+class FolderTree::View final : public SteadyTree {
   public:
-    using QTreeWidget::QTreeWidget;
+    using SteadyTree::SteadyTree;
     bool HasInput() const { return hasInput_; }
 
   protected:
     void mousePressEvent(QMouseEvent* event) override {
         const QScopedValueRollback input(hasInput_, true);
-        QTreeWidget::mousePressEvent(event);
+        SteadyTree::mousePressEvent(event);
     }
     void mouseDoubleClickEvent(QMouseEvent* event) override {
         const QScopedValueRollback input(hasInput_, true);
-        QTreeWidget::mouseDoubleClickEvent(event);
+        SteadyTree::mouseDoubleClickEvent(event);
     }
     void keyPressEvent(QKeyEvent* event) override {
         const QScopedValueRollback input(hasInput_, true);
-        QTreeWidget::keyPressEvent(event);
+        SteadyTree::keyPressEvent(event);
     }
 
   private:

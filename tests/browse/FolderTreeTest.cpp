@@ -87,6 +87,7 @@ TEST_F(FolderTreeTest, OnlyInputIsAClick) {
     EXPECT_EQ(browser.FileViewFile.Path(), disk_ + "/desk");
     ClickAt(PlaceOf(InDisk("a")).center(), Qt::RightButton);
     EXPECT_EQ(host.calls.back(), "PopMenu TreeViewS");
+    ClickAt(outside);
     EXPECT_EQ(SelectedKey(), disk_ + "/desk");
 }
 
