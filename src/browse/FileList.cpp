@@ -6,6 +6,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <ranges>
 
 #include "artwork/Artwork.h"
 #include "artwork/FieldColors.h"
@@ -145,22 +146,34 @@ void FileList::SelectRow(int row) {
     ListViewFile_->setCurrentItem(ListViewFile_->topLevelItem(row));
 }
 
+void FileList::HighlightCurrentFile() {
+    ListViewFile_->clearSelection();
+    for (int row = 0; row < RowCount(); ++row)
+        if (KeyOf(row) == CurrentFile_.Key) SelectRow(row);
+}
+
 void FileList::ClearRows() {
     const QSignalBlocker blocker(ListViewFile_);
     ListViewFile_->clear();
     ImageListFile_.resize(kGenericIcon);
 }
 
-std::vector<std::string> FileList::TakeCheckedRows() {
+std::vector<std::string> FileList::TakeRows(const std::vector<int>& rows) {
     const QSignalBlocker blocker(ListViewFile_);
+    const int highlighted = SelectedRow();
     std::vector<std::string> keys;
-    for (int row = RowCount() - 1; row >= 0; --row) {
-        if (!IsChecked(row)) continue;
-        keys.push_back(KeyOf(row));
-        delete ListViewFile_->takeTopLevelItem(row);
-    }
-    std::ranges::reverse(keys);
+    for (const int row : rows) keys.push_back(KeyOf(row));
+    for (const int row : rows | std::views::reverse) delete ListViewFile_->takeTopLevelItem(row);
+    // The view hands the highlight on to a neighbour, which is not the file in the panes.
+    if (highlighted < 0 || std::ranges::binary_search(rows, highlighted)) ListViewFile_->clearSelection();
     return keys;
+}
+
+std::vector<std::string> FileList::TakeCheckedRows() {
+    std::vector<int> rows;
+    for (int row = 0; row < RowCount(); ++row)
+        if (IsChecked(row)) rows.push_back(row);
+    return TakeRows(rows);
 }
 
 void FileList::FileViewFile_PathChange() {
@@ -176,7 +189,8 @@ void FileList::ListViewFile_Click() {
     if (RowCount() == 0) return;
     BrowserHost& host = browser_.host;
     host.StopCapture();
-    if (!ConfirmDiscardExport(browser_.session.ExportChanged, browser_.prompts)) return;
+    if (!ConfirmDiscardExport(browser_.session.ExportChanged, browser_.prompts))
+        return HighlightCurrentFile();
     browser_.summary->SelectIcoSourceIco();
     host.ClearSelection();
     const int row = SelectedRow();

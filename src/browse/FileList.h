@@ -29,7 +29,9 @@ class FileList : public QWidget {
     int SelectedRow() const;
     void SelectRow(int row);
     void ClearRows();
-    /// Takes the checked rows out of the table; their keys, in the order shown.
+    /// Takes rows out of the table, given in the order shown; their keys. No other row is highlighted for one
+    /// that goes.
+    std::vector<std::string> TakeRows(const std::vector<int>& rows);
     std::vector<std::string> TakeCheckedRows();
 
     /// Rebuilds the table from the folder of FileViewFile.
@@ -63,6 +65,8 @@ class FileList : public QWidget {
     void ConnectTable();
     void HeaderClicked(int section);
     void SortRows();
+    /// None where the current file has left the table.
+    void HighlightCurrentFile();
 
     /// Makes the rows; False asks for a fresh start.
     bool BuildRows(Build& build);

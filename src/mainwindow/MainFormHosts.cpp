@@ -228,7 +228,7 @@ void MainForm::MakeItemVisible(int item) {
 }
 
 void MainForm::RemoveItem(int item) {
-    delete list_->ListViewFile()->takeTopLevelItem(item - 1);
+    list_->TakeRows({item - 1});
 }
 
 void MainForm::ShowDialogSlideOpt() {

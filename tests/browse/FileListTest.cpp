@@ -55,8 +55,9 @@ class FileListTest : public testing::Test, protected test::RecordedBrowser {
     QPoint Middle(int row) const {
         return list_.ListViewFile()->visualItemRect(list_.ListViewFile()->topLevelItem(row)).center();
     }
-    void ClickOn(const QPoint& position, Qt::MouseButton button = Qt::LeftButton) const {
-        QTest::mouseClick(list_.ListViewFile()->viewport(), button, {}, position);
+    void ClickOn(const QPoint& position, Qt::MouseButton button = Qt::LeftButton,
+                 Qt::KeyboardModifiers modifiers = {}) const {
+        QTest::mouseClick(list_.ListViewFile()->viewport(), button, modifiers, position);
     }
 };
 
@@ -226,6 +227,7 @@ TEST_F(FileListTest, AClickLoadsAnotherFileOnce) {
     prompts.answers = {Answer::No};
     QTest::keyClick(list_.ListViewFile(), Qt::Key_Up);
     EXPECT_EQ(host.Count("LoadPict " + folder_.File("a.bmp")), 0);
+    EXPECT_EQ(list_.SelectedRow(), 1) << "the file in the panes";
     prompts.answers = {Answer::Yes};
     ClickOn(Middle(0));
     EXPECT_EQ(host.Count("LoadPict " + folder_.File("a.bmp")), 1);
@@ -238,6 +240,26 @@ TEST_F(FileListTest, AClickLoadsAnotherFileOnce) {
     EXPECT_EQ(host.Count("OpenImportViewer"), 1);
     EXPECT_EQ(host.Count("PopMenu File"), 1);
     EXPECT_EQ(list_.SelectedRow(), 1);
+    ClickOn(QPoint(200, list_.ListViewFile()->viewport()->height() - 5));
+    ClickOn(Middle(1), Qt::LeftButton, Qt::ControlModifier);
+    EXPECT_EQ(list_.SelectedRow(), 1) << "still the file in the panes";
+}
+
+TEST_F(FileListTest, RowsThatGoDoNotHandTheirHighlightOn) {
+    struct Row {
+        bool highlighted;
+        std::vector<int> taken;
+        int left;
+    };
+    Open({"a.bmp", "b.bmp", "c.bmp", "d.bmp"});
+    for (const Row& row : {Row{true, {1}, -1}, Row{true, {0, 1, 2}, -1}, Row{false, {1, 2}, -1},
+                           Row{true, {0, 3}, 0}, Row{true, {2}, 1}}) {
+        list_.SetListFile();
+        list_.SelectRow(1);
+        if (!row.highlighted) list_.ListViewFile()->clearSelection();
+        EXPECT_EQ(list_.TakeRows(row.taken).size(), row.taken.size());
+        EXPECT_EQ(list_.SelectedRow(), row.left);
+    }
 }
 
 TEST_F(FileListTest, ACheckBoxIsNoClickOnItsRow) {
