@@ -100,7 +100,7 @@ void BatchJob::ConvertRows(const std::string& targetFolder) {
 /// The export pane is saved as it stands, with all that was done to it.
 void BatchJob::ConvertCurrent(const std::string& targetFolder) {
     const int row = list_.SelectedRow();
-    const std::string key = row < 0 ? std::string() : list_.KeyOf(row);
+    const std::string key = row < 0 ? options_.ImagePath : list_.KeyOf(row);
     bool done = false;
     RstSave(targetFolder, LowerCaseText(key), done, true, ConvertedCount_);
     ConvertedCount_ = 1;

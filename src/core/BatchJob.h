@@ -17,6 +17,8 @@ struct BatchOptions {
     std::string TargetFolder = {};
     int OverwriteMode = 0;  ///< 0 ask, 1 replace, 2 skip
     int SelectedCount = 0;  ///< checked rows of the list
+    /// Gives a single source its name where no row is selected.
+    std::string ImagePath = {};
     int JpgQuality = 60;
     bool JpgGrayScale = false;
     bool JpgProgressive = false;

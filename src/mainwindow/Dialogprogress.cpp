@@ -93,6 +93,7 @@ BatchOptions Dialogprogress::Options() const {
             .TargetFolder = FolderOf(options.TargetFolder),
             .OverwriteMode = options.OverwriteMode,
             .SelectedCount = session.SelectedCount,
+            .ImagePath = session.ImagePath,
             .JpgQuality = session.JpgQuality,
             .JpgGrayScale = session.JpgGrayScale,
             .JpgProgressive = session.JpgProgressive,

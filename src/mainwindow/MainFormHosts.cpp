@@ -241,7 +241,7 @@ void MainForm::PrintNote() {
 
 std::string MainForm::SelectedFile() const {
     const int row = list_->SelectedRow();
-    return row < 0 ? std::string() : list_->KeyOf(row);
+    return row < 0 ? session_.ImagePath : list_->KeyOf(row);
 }
 
 ColorNumber MainForm::BackColor() const {

@@ -191,7 +191,9 @@ TEST_P(BatchJobTest, TheCurrentFileIsThePaneAsItStandsUnderItsNameOrTheUsers) {
         {0, "/in/a.b.png", "", "a.b.png"},
         {0, "/in/a.jpg", "New Name", "New Name.png"},
         {1, nullptr, "Captured", "Captured.png"},
+        {0, nullptr, "", "removed.png"},
     };
+    options_.ImagePath = "/in/Removed.bmp";
     for (FormatRow& row : formats_.ImportFormats) row.Enabled = false;
     Export({".png"});
     for (const Case& row : cases) {

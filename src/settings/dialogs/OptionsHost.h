@@ -9,7 +9,7 @@ namespace tessara {
 /// What the options dialog needs of the window around it.
 class OptionsHost : public DefaultsHost {
   public:
-    /// The key of the file list's selected row; empty where there is none.
+    /// The key of the file list's selected row; where there is none, the path of the file in the panes.
     virtual std::string SelectedFile() const = 0;
     /// Marks the list mode in the menus.
     virtual void SetmnFile() = 0;
