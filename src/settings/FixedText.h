@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,14 @@ namespace tessara {
 
 /// What ends a text within a field of fixed length.
 inline constexpr std::string_view kTerminator = "///";
+
+/// What stands before the first terminator of a field, none where there is no terminator. Of the root's four
+/// separators the first is the path, not the terminator's.
+inline std::optional<std::string> TextOfField(std::string_view field) {
+    const std::size_t end = field.starts_with("////") ? 1 : field.find(kTerminator);
+    if (end == std::string_view::npos) return std::nullopt;
+    return std::string(field.substr(0, end));
+}
 
 /// At most `size` bytes of a UTF-8 text, never a part of a character.
 inline std::string_view CutText(std::string_view text, std::size_t size) {

@@ -22,9 +22,8 @@ std::vector<std::string> ReadRecentPaths(const std::string& file) {
     const Result<FileBytes> bytes = FileBytes::Read(file);
     if (!bytes) return paths;
     for (ByteReader reader(bytes.Value().View()); reader.Left() >= kRecordSize;) {
-        const std::string record = TextOf(reader.Take(kRecordSize));
-        const std::size_t end = record.find(kTerminator);
-        if (end != std::string::npos && end > 0) paths.push_back(record.substr(0, end));
+        const std::optional<std::string> path = TextOfField(TextOf(reader.Take(kRecordSize)));
+        if (path && !path->empty()) paths.push_back(*path);
     }
     return paths;
 }

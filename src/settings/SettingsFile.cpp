@@ -144,13 +144,11 @@ std::string FolderField(const std::string& folder) {
 }
 
 std::string FolderOf(const std::string& field) {
-    // Of the root's four separators the first is the folder, not the terminator's.
-    const std::size_t end = field.starts_with("////") ? 1 : field.find(kTerminator);
-    return HasTerminator(field) ? field.substr(0, end) : std::string();
+    return TextOfField(field).value_or(std::string());
 }
 
 bool HasTerminator(const std::string& field) {
-    return field.find(kTerminator) != std::string::npos;
+    return TextOfField(field).has_value();
 }
 
 bool SettingsFile::HasContents() const {
