@@ -30,14 +30,16 @@ class NormalPointer {
     bool overridden_ = QApplication::overrideCursor() != nullptr;
 };
 
-/// What a dialog stands over: a window that stays on top, which would hide it otherwise, or else the active
-/// one.
+/// What a dialog stands over: a window that stays on top, which would hide it otherwise, or the dialog that
+/// has the user's attention, also while another program is active; or else the active window.
 QWidget* Owner() {
     const QWidgetList windows = QApplication::topLevelWidgets();
     const auto topmost = std::ranges::find_if(windows, [](const QWidget* window) {
         return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
     });
-    return topmost != windows.end() ? *topmost : QApplication::activeWindow();
+    if (topmost != windows.end()) return *topmost;
+    QWidget* const dialog = QApplication::activeModalWidget();
+    return dialog != nullptr ? dialog : QApplication::activeWindow();
 }
 
 int Execute(QDialog& dialog) {

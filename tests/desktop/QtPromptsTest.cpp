@@ -120,6 +120,14 @@ TEST(QtPrompts, AWindowThatStaysOnTopDoesNotHideTheQuestion) {
     QApplication::setActiveWindow(&active);
     QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
     EXPECT_EQ(owner, &active);
+    // The dialog of a job, while the user works elsewhere.
+    QDialog job;
+    job.setModal(true);
+    job.show();
+    QApplication::setActiveWindow(nullptr);
+    const User busyUser({look});
+    QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
+    EXPECT_EQ(owner, &job);
 }
 
 TEST(QtPrompts, ANameWithoutExtensionGetsThatOfTheFilter) {
