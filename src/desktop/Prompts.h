@@ -40,8 +40,8 @@ class Prompts {
     virtual ~Prompts() = default;
     virtual Answer Ask(const Prompt& prompt) = 0;
     virtual void Beep() = 0;
-    /// The folder picker; empty where the user cancels.
-    virtual std::string PickFolder(const std::string& title) = 0;
+    /// The folder picker, which begins in `start` if there is such a folder; empty where the user cancels.
+    virtual std::string PickFolder(const std::string& title, const std::string& start) = 0;
     /// The save dialog; asks by itself before an existing file is chosen. A name without an extension gets
     /// that of the chosen filter. Empty where the user cancels.
     virtual std::string PickSaveFile(const SaveRequest& request) = 0;
@@ -58,6 +58,7 @@ class ScriptedPrompts final : public Prompts {
     std::deque<ColorNumber> colors;
     std::vector<Prompt> asked;
     std::vector<SaveRequest> saveRequests;
+    std::vector<std::string> foldersAskedFor;  ///< title and start
     int beeps = 0;
 
     Answer Ask(const Prompt& prompt) override {
@@ -65,7 +66,10 @@ class ScriptedPrompts final : public Prompts {
         return Next(answers, Answer::Cancel);
     }
     void Beep() override { ++beeps; }
-    std::string PickFolder(const std::string&) override { return Next(folders, {}); }
+    std::string PickFolder(const std::string& title, const std::string& start) override {
+        foldersAskedFor.push_back(title + " | " + start);
+        return Next(folders, {});
+    }
     std::string PickSaveFile(const SaveRequest& request) override {
         saveRequests.push_back(request);
         return Next(files, {});

@@ -5,7 +5,10 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QMessageBox>
+#include <QScreen>
+#include <QTreeView>
 #include <algorithm>
 
 #include "core/Paths.h"
@@ -107,6 +110,17 @@ QString NameFilter(const SaveFilter& filter) {
     return ShownText(filter.name + " (" + pattern + ")");
 }
 
+/// The toolkit's own dialog cuts off what its columns say.
+void WidenColumns(QFileDialog& dialog) {
+    auto* const files = dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+    if (files == nullptr) return;
+    const int character = dialog.fontMetrics().averageCharWidth();
+    constexpr int kWidths[] = {36, 14, 20, 24};  // characters: name, size, type, date
+    for (int column = 0; column < 4; ++column)
+        files->header()->resizeSection(column, kWidths[column] * character);
+    dialog.resize(std::min(120 * character, dialog.screen()->availableSize().width()), dialog.height());
+}
+
 void Prepare(QFileDialog& dialog, const SaveRequest& request) {
     QStringList filters;
     for (const SaveFilter& filter : request.filters) filters << NameFilter(filter);
@@ -116,6 +130,7 @@ void Prepare(QFileDialog& dialog, const SaveRequest& request) {
     dialog.selectNameFilter(filters.value(request.filterIndex - 1));
     if (!request.folder.empty()) dialog.setDirectory(ShownText(request.folder));
     dialog.selectFile(ShownText(request.name));
+    WidenColumns(dialog);
 }
 
 /// From 0; the dialog tells the text that it shows, with or without the hidden patterns.
@@ -148,10 +163,12 @@ void QtPrompts::Beep() {
     QApplication::beep();
 }
 
-std::string QtPrompts::PickFolder(const std::string& title) {
-    QFileDialog dialog(Owner(), ShownText(title), QDir::homePath());
+std::string QtPrompts::PickFolder(const std::string& title, const std::string& start) {
+    const bool canStart = !start.empty() && QDir(ShownText(start)).exists();
+    QFileDialog dialog(Owner(), ShownText(title), canStart ? ShownText(start) : QDir::homePath());
     dialog.setFileMode(QFileDialog::Directory);
     dialog.setOption(QFileDialog::ShowDirsOnly);
+    WidenColumns(dialog);
     if (Execute(dialog) != QDialog::Accepted) return {};
     return BytesOfText(QDir::cleanPath(dialog.selectedFiles().value(0)));
 }

@@ -156,14 +156,17 @@ void Dialog1::HScroll1_Change() {
     SkinLabel1_->setText(QStringLiteral("Image Quality (1-100): %1").arg(HScroll1_->value()));
 }
 
+void Dialog1::PickFolder(const char* title, PathEdit& field) {
+    const std::string folder = prompts_.PickFolder(title, field.Bytes());
+    if (!folder.empty()) field.SetBytes(folder);
+}
+
 void Dialog1::ImageinFolder_Click() {
-    const std::string folder = prompts_.PickFolder("Select Start Folder");
-    if (!folder.empty()) TextInFolder_->SetBytes(folder);
+    PickFolder("Select Start Folder", *TextInFolder_);
 }
 
 void Dialog1::ImageOutFolder_Click() {
-    const std::string folder = prompts_.PickFolder("Select Target Folder");
-    if (!folder.empty()) TextOutFolder_->SetBytes(folder);
+    PickFolder("Select Target Folder", *TextOutFolder_);
 }
 
 void Dialog1::ImageHelp_Click() {

@@ -142,9 +142,13 @@ TEST_F(Dialog1Test, OnlyTheJpegPageIsTakenHoweverTheDialogIsLeft) {
         }
         Click("OptionPic(2)");
         Get<QSlider>("HScroll1")->setValue(75);
+        for (const char* control : {"Check2", "Check3", "CheckShow"}) Click(control);
         row.button ? Click(row.button) : static_cast<void>(dialog_.close());
         EXPECT_FALSE(dialog_.isVisible());
         EXPECT_EQ(session_.JpgQuality, 75);
+        EXPECT_EQ(session_.JpgProgressive, IsOn("Check2"));
+        EXPECT_EQ(session_.JpgGrayScale, IsOn("Check3"));
+        EXPECT_EQ(session_.DontShowOptions, IsOn("CheckShow"));
         EXPECT_EQ(session_.ConvertConfirmed, row.taken);
         EXPECT_EQ(session_.ConvertOptions.ConvertScope, row.taken ? 2 : 1);
         EXPECT_EQ(Stored().ConvertScope, 1) << "in force for this run only";
@@ -273,11 +277,16 @@ TEST_F(Dialog1Test, AnEditedStartFolderIsTestedWhenTheFocusLeavesIt) {
     EXPECT_EQ(leave(), Names{});
     Type("TextInFolder", folder_.File("a/b"));
     EXPECT_EQ(leave(), Names{"Start Folder invalid!"});
-    prompts_.folders = {"", folder_.Path()};
+    prompts_.folders = {"", folder_.Path(), "/out"};
     Click("ImageinFolder");
     EXPECT_EQ(TextOf("TextInFolder"), folder_.File("a/b"));
     Click("ImageinFolder");
     EXPECT_EQ(leave(), Names{});
+    Click("ImageOutFolder");
+    EXPECT_EQ(TextOf("TextOutFolder"), "/out");
+    EXPECT_EQ(TextOf("TextInFolder"), folder_.Path());
+    EXPECT_EQ(prompts_.foldersAskedFor.front(), "Select Start Folder | " + folder_.File("a/b"));
+    EXPECT_EQ(prompts_.foldersAskedFor.back(), "Select Target Folder | " + folder_.Path());
 }
 
 TEST_F(Dialog1Test, TheLastTabsAreDialogsOfTheirOwn) {
