@@ -110,10 +110,11 @@ void MainForm::ShowDialogTrcol() {
 
 void MainForm::Convert() {
     ListedFiles files(*list_);
-    Dialogprogress({session_, rastx1(1).rastx(), files, services_.prompts, FrameRst_[0],
-                    [this](bool on) { BusyCursor(on); }, [this] { summary_->SelectIcoSourceIco(); }},
-                   this)
-        .LoadDialogprogress();
+    Dialogprogress dialog({session_, rastx1(1).rastx(), files, services_.prompts, FrameRst_[0],
+                           [this](bool on) { BusyCursor(on); }, [this] { summary_->SelectIcoSourceIco(); }},
+                          this);
+    connect(toolbar_, &Toolbar::ProgressToFront, &dialog, &QWidget::raise);
+    dialog.LoadDialogprogress();
 }
 
 }  // namespace tessara
