@@ -91,6 +91,8 @@ TEST_F(FileCommandsTest, QuestionsDecideWhatIsDeleted) {
         Names texts = {row.question};
         if (row.message != nullptr) texts.push_back(std::string("The selected ") + row.message);
         EXPECT_EQ(Asked(), texts);
+        EXPECT_EQ(prompts.asked.front().icon, PromptIcon::Warning);
+        EXPECT_EQ(prompts.asked.front().buttons, PromptButtons::YesNo);
     }
 }
 

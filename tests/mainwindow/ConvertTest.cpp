@@ -131,11 +131,39 @@ TEST_F(ConvertTest, ARefusedTargetIsAskedForWithItsType) {
     dialog_.RunJob();
     EXPECT_EQ(prompts.asked[0].text,
               "File " + folder_.File("a.png") + " already exists.\n\nDo you want to replace it?");
+    EXPECT_EQ(prompts.asked[0].buttons, PromptButtons::YesNo);
+    EXPECT_EQ(prompts.asked[0].icon, PromptIcon::Warning);
     ASSERT_EQ(prompts.saveRequests.size(), 1u);
     EXPECT_EQ(prompts.saveRequests[0].filterIndex, 3);
-    EXPECT_EQ(prompts.saveRequests[0].filters.size(), 11u);
+    EXPECT_EQ(prompts.saveRequests[0].filters[2].name, "PNG Files (*.png)");
+    EXPECT_EQ(prompts.saveRequests[0].filters[2].pattern, "*.png");
     EXPECT_EQ(prompts.saveRequests[0].name, folder_.File("a"));
     EXPECT_EQ(Written(), 2);
+}
+
+TEST_F(ConvertTest, TheSessionsValuesReachTheJob) {
+    session.ConvertOptions.ConvertScope = 0;
+    session.ConvertOptions.ExportOn = {false, true, true};
+    session.ImagePath = "/gone/Shown.bmp";
+    pane_.SetImage(test::PhotoLike(64, 64));
+    const auto sizeOf = [&](const std::string& name) { return test::ReadWhole(folder_.File(name)).size(); };
+    dialog_.RunJob();
+    const std::size_t size = sizeOf("shown.jpg");
+    session.TargetName = "good";
+    session.JpgQuality = 95;
+    session.JpgGrayScale = true;
+    session.TransparentColor = 0;
+    dialog_.RunJob();
+    EXPECT_EQ(session.TargetName, "");
+    EXPECT_EQ(session.TransparentColor, RGB(255, 255, 255));
+    EXPECT_GT(sizeOf("good.jpg"), size);
+    Rastx grey;
+    test::Must(grey.LoadImage(folder_.File("good.jpg")));
+    EXPECT_EQ(grey.Image().At(5, 40).r, grey.Image().At(5, 40).b);
+    session.TargetName = "progressive";
+    session.JpgProgressive = true;
+    dialog_.RunJob();
+    EXPECT_NE(sizeOf("progressive.jpg"), sizeOf("good.jpg"));
 }
 
 TEST(ConvertButtons, OptionsComeFirstAndDecide) {
@@ -172,6 +200,10 @@ TEST(ConvertButtons, OptionsComeFirstAndDecide) {
         buttons.CommandCon_Click(0);
         EXPECT_EQ(steps, row.steps) << row.name;
         EXPECT_EQ(prompts.asked.size(), row.imageValid ? 0u : 1u) << row.name;
+        for (const Prompt& question : prompts.asked) {
+            EXPECT_EQ(question.text, "No graphics file selected.\n\nContinue any way?");
+            EXPECT_EQ(question.icon, PromptIcon::Information);
+        }
         buttons.CommandCon_Click(1);
         EXPECT_EQ(steps, row.steps + std::string("reload, ")) << row.name;
     }
