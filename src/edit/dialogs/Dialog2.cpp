@@ -41,6 +41,7 @@ void Dialog2::ConnectControls() {
         const auto at = static_cast<std::size_t>(i);
         connect(HScroll1_[at], &ValueSlider::Change, this, [this, i] { HScroll1_Change(i); });
         connect(HScroll1_[at], &ValueSlider::Scroll, this, [this, i] { HScroll1_Scroll(i); });
+        HScroll1_[at]->TakeKeysOf(Text1_[at]);
         connect(Text1_[at], &QLineEdit::textChanged, this, [this, i] { Text1_Change(i); });
         connect(OKButton_[at], &QPushButton::clicked, this, [this, i] { OKButton_Click(i); });
     }
@@ -127,9 +128,15 @@ void Dialog2::ChangeCaption(int Index) {
     if (form != ValueForm::Box) Label1_[3]->setText(ShownText(ValueText(form, value)));
 }
 
+void Dialog2::FocusApply(int Index) {
+    OKButton_[0]->setFocus();
+    // Or a slider could be moved by no more than one key.
+    HScroll1_[static_cast<std::size_t>(Index)]->TakeKeysOf(OKButton_[0]);
+}
+
 void Dialog2::HScroll1_Change(int Index) {
     if (Loading_ || TextLock_) return;
-    OKButton_[0]->setFocus();
+    FocusApply(Index);
     ChangeCaption(Index);
     GradSliderPrg();
     Updating_ = false;
@@ -139,7 +146,7 @@ void Dialog2::HScroll1_Scroll(int Index) {
     ChangeCaption(Index);
     if (Loading_ || ScrollLock_) return;
     ScrollLock_ = true;
-    OKButton_[0]->setFocus();
+    FocusApply(Index);
     GradSliderPrg();
     Updating_ = false;
     HScroll1_[static_cast<std::size_t>(Index)]->repaint();

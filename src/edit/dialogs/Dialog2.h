@@ -59,6 +59,8 @@ class Dialog2 final : public QDialog {
     std::array<QWidget*, 4> RowOf(std::size_t i) const;
     void MoveBesidePane();
 
+    /// A slider hands its focus on, not its keys.
+    void FocusApply(int Index);
     void HScroll1_Change(int Index);
     void HScroll1_Scroll(int Index);
     void Text1_Change(int Index);

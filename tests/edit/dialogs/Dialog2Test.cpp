@@ -165,6 +165,23 @@ TEST_F(Dialog2Test, ASliderIsShownAndHandsTheFocusToApply) {
     }
 }
 
+TEST_F(Dialog2Test, KeysGoOnMovingASliderThatHandedItsFocusOn) {
+    struct Case {
+        int code, slider;
+        std::vector<Qt::Key> keys;
+        int value;
+    };
+    for (const Case& row : {Case{24, 1, {Qt::Key_Right, Qt::Key_Right, Qt::Key_Home, Qt::Key_Up}, 5},
+                            {1, 1, {Qt::Key_Right, Qt::Key_Up, Qt::Key_PageUp, Qt::Key_Down}, 51},
+                            {1, 0, {Qt::Key_Up, Qt::Key_Left}, 1}}) {
+        SCOPED_TRACE(testing::Message() << row.code << " " << row.slider);
+        Open(row.code);
+        Slider(row.slider).setFocus();
+        for (const Qt::Key key : row.keys) QTest::keyClick(dialog_->focusWidget(), key);
+        EXPECT_EQ(Slider(row.slider).value(), row.value);
+    }
+}
+
 TEST_F(Dialog2Test, ApplyQuitAndUndo) {
     Open(204);
     Slider(0).setValue(100);
