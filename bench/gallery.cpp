@@ -1,5 +1,5 @@
-// Writes contact sheets of every operation of the imaging pane, as it looks at its usual values and at both
-// ends of its range:
+// Writes contact sheets of every operation of the imaging pane and of every effect that the program computes
+// itself, as each looks at its usual values and at both ends of its range:
 //
 //     tessara_gallery FOLDER [PHOTOGRAPH]
 //
@@ -12,6 +12,7 @@
 #include <cctype>
 #include <cmath>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -147,27 +148,52 @@ std::string Describe(const Effect& effect, const ArgumentValues& values) {
 }
 
 struct Shown {
-    const Effect* effect;
-    ArgumentValues values;
+    std::string description;
+    std::function<Result<Picture>(const Picture&)> apply;
 };
 
-/// Every effect at its usual values and at both ends.
+/// What an effect is shown with beside its usual values; none where it has no arguments.
+std::vector<ArgumentValues> BothEnds(const Effect& effect) {
+    if (effect.arguments.empty()) return {};
+    if (effect.name == "FxColorize") return {{-250, 0, 0}, {0, 250, 0}};
+    if (effect.name == "FxColorBalance") return {{-60, 0, 0}, {0, 0, 60}};
+    const ArgumentValues usual = effect.Usual();
+    if (effect.name == "FxRotate") return {{30, usual[1], 0}, {90, usual[1], 0}};
+    ArgumentValues lowest = usual, highest = usual;
+    for (std::size_t i = 0; i < effect.arguments.size(); ++i) {
+        if (effect.arguments[i].kind == ArgumentKind::Color) continue;
+        lowest[i] = effect.arguments[i].lowest;
+        highest[i] = effect.arguments[i].highest;
+    }
+    return {lowest, highest};
+}
+
+Picture ApplyOwn(const Picture& picture, int code, double depth) {
+    Picture target = picture;
+    OwnEffects(picture, target, {}).ApplyOwnEffect(code, depth, [] {});
+    return target;
+}
+
+/// Every effect at its usual values and at both ends; of the own ones the lowest depth that changes anything.
 std::vector<Shown> Everything() {
     std::vector<Shown> shown;
     for (const Effect& effect : EffectTable()) {
-        shown.push_back({&effect, effect.Usual()});
-        if (effect.arguments.empty()) continue;
-        ArgumentValues lowest = effect.Usual(), highest = effect.Usual();
-        for (std::size_t i = 0; i < effect.arguments.size(); ++i) {
-            if (effect.arguments[i].kind == ArgumentKind::Color) continue;
-            lowest[i] = effect.arguments[i].lowest;
-            highest[i] = effect.arguments[i].highest;
-        }
-        if (effect.name == "FxColorize") lowest = {-250, 0, 0}, highest = {0, 250, 0};
-        if (effect.name == "FxColorBalance") lowest = {-60, 0, 0}, highest = {0, 0, 60};
-        if (effect.name == "FxRotate") lowest = {30, lowest[1], 0}, highest = {90, highest[1], 0};
-        shown.push_back({&effect, lowest});
-        shown.push_back({&effect, highest});
+        std::vector<ArgumentValues> choices = BothEnds(effect);
+        choices.insert(choices.begin(), effect.Usual());
+        for (const ArgumentValues& values : choices)
+            shown.push_back({Describe(effect, values), [&effect, values](const Picture& picture) {
+                                 return effect.apply(picture, values, {.threads = 1, .seed = 7});
+                             }});
+    }
+    for (const EffectEntry& entry : EffectEntries()) {
+        const EffectParameters* effect = FindEffectParameters(entry.code);
+        if (!entry.visible || !effect || !effect->IsOwnEffect()) continue;
+        const EffectSlider slider = effect->Slider();
+        for (const int value : {slider.Value, slider.SmallChange, slider.Max})
+            shown.push_back({EffectCaptionOf(entry.caption) + " " + std::to_string(value),
+                             [code = entry.code, value](const Picture& picture) -> Result<Picture> {
+                                 return ApplyOwn(picture, code, value / 100.0);
+                             }});
     }
     return shown;
 }
@@ -222,9 +248,7 @@ Picture ForTheManual(const EffectEntry& entry, const Picture& picture) {
         RunPaneEffect(effect, choice, pane);
         return pane.Image();
     }
-    Picture target = picture;
-    OwnEffects(picture, target, {}).ApplyOwnEffect(effect.code, choice.sliders[1] / effect.divisor, [] {});
-    return target;
+    return ApplyOwn(picture, effect.code, choice.sliders[1] / effect.divisor);
 }
 
 /// "Ripple : Sine" as "ripple-sine".
@@ -265,12 +289,12 @@ bool WriteSheet(const std::string& path, const Picture& picture, const std::vect
     const int rows = (static_cast<int>(shown.size()) + columns - 1) / columns;
     Picture sheet = Blank(columns * (cellWidth + kGap) + kGap, rows * (cellHeight + kGap) + kGap, Grey(96));
     for (std::size_t i = 0; i < shown.size(); ++i) {
-        const auto result = shown[i].effect->apply(picture, shown[i].values, {.threads = 1, .seed = 7});
+        const auto result = shown[i].apply(picture);
         if (!result) return false;
         const int column = static_cast<int>(i) % columns;
         const int row = static_cast<int>(i) / columns;
         std::printf("%s row %d column %d: %s\n", path.c_str(), row + 1, column + 1,
-                    Describe(*shown[i].effect, shown[i].values).c_str());
+                    shown[i].description.c_str());
         Paste(sheet, FitInto(result.Value(), cellWidth, cellHeight), kGap + column * (cellWidth + kGap),
               kGap + row * (cellHeight + kGap));
     }
