@@ -28,13 +28,12 @@ TESSARA_ALWAYS_INLINE std::uint8_t Steepness(const Neighbours& rows, std::size_t
     return static_cast<std::uint8_t>(both > 255 ? 255 : both);
 }
 
-/// Slope of the byte at `i` towards the lower right; a step of 128 levels gives 256.
+/// Slope of the byte at `i` towards the lower right; a step of 128 levels gives 512.
 TESSARA_ALWAYS_INLINE std::int16_t Slope(const Neighbours& rows, std::size_t i) {
     const std::uint8_t* above = rows.above + i;
     const std::uint8_t* here = rows.here + i;
     const std::uint8_t* below = rows.below + i;
-    return static_cast<std::int16_t>(
-        (2 * below[4] + here[4] + below[0] - 2 * above[-4] - here[-4] - above[0]) >> 1);
+    return static_cast<std::int16_t>(2 * below[4] + here[4] + below[0] - 2 * above[-4] - here[-4] - above[0]);
 }
 
 /// Splits the row into blocks: `compute(i, k)` for each byte i of the row, k of the block; then
@@ -122,7 +121,8 @@ TESSARA_MULTIVERSION void EmbossRow(const Neighbours& rows, std::size_t length,
                                     std::uint8_t* __restrict out) {
     std::int16_t slopes[kBlock];
     ForBlocks(
-        length, [&](std::size_t i, std::size_t k) { slopes[k] = Slope(rows, i); },
+        length,
+        [&](std::size_t i, std::size_t k) { slopes[k] = static_cast<std::int16_t>(Slope(rows, i) >> 1); },
         [&](std::size_t start, std::size_t count) {
             for (std::size_t k = 0; k < count; k += 4) {
                 const int luma = (29 * slopes[k] + 150 * slopes[k + 1] + 77 * slopes[k + 2] + 128) >> 8;
@@ -131,10 +131,12 @@ TESSARA_MULTIVERSION void EmbossRow(const Neighbours& rows, std::size_t length,
         });
 }
 
+/// Half as steep as the grey relief: each of the passes that the dialog repeats adds to the one before.
 TESSARA_MULTIVERSION void EmbossColorRow(const Neighbours& rows, std::size_t length,
                                          std::uint8_t* __restrict out) {
     for (std::size_t i = 0; i < length; ++i)
-        out[i] = static_cast<std::uint8_t>(ToByte(static_cast<std::int16_t>(rows.here[i] + Slope(rows, i))));
+        out[i] = static_cast<std::uint8_t>(
+            ToByte(static_cast<std::int16_t>(rows.here[i] + ((Slope(rows, i) + 2) >> 2))));
 }
 
 }  // namespace

@@ -48,6 +48,7 @@ TEST(Effect, ConvolutionsAreThoseOfTheirKernels) {
         {"soften", effects::Soften, {1, 2, 1, 2, 20, 2, 1, 2, 1}, 32},
         {"sharpen", effects::Sharpen, {-1, -2, -1, -2, 28, -2, -1, -2, -1}, 16},
         {"enhance edge", effects::EnhanceEdge, {-1, -1, -1, -1, 12, -1, -1, -1, -1}, 4},
+        {"emboss color", effects::EmbossColor, {-2, -1, 0, -1, 4, 1, 0, 1, 2}, 4},
     };
     const Picture source = PhotoLike(67, 31);
     for (const KernelCase& row : cases) {
