@@ -66,6 +66,8 @@ void DialogSlideOpt::MakeControls() {
     Label1_ = Named(new QLabel(QStringLiteral("Delay (milliseconds):"), this), QStringLiteral("Label1"));
     Label1_->setBuddy(Text1_);
     Label2_ = Named(new QLabel(this), QStringLiteral("Label2"));
+    // The dialog keeps its size while the number grows.
+    Label2_->setMinimumWidth(fontMetrics().horizontalAdvance(ShownText(SecondsText(kLongestDelay))));
     for (QWidget* delay : {static_cast<QWidget*>(HScroll1_), static_cast<QWidget*>(Text1_)})
         delay->setAccessibleName(QStringLiteral("Delay in milliseconds"));
     OKButton_ = {MakeButton(QStringLiteral("OK"), Qt::Key_O, this),

@@ -70,6 +70,12 @@ TEST_F(DialogSlideOptTest, TheSliderSetsTheDelay) {
     EXPECT_EQ(TextOf(dialog), "3000 (3 Seconds)");
     slider->triggerAction(QSlider::SliderPageStepAdd);
     EXPECT_EQ(session_.SlideOptions.SlideDelay, 5000);
+    dialog.show();
+    const QSize size = dialog.size();
+    slider->setValue(30000);
+    EXPECT_EQ(TextOf(dialog), "30000 (30 Seconds)");
+    QCoreApplication::processEvents();
+    EXPECT_EQ(dialog.size(), size);
     slider->setValue(0);
     EXPECT_EQ(TextOf(dialog), "0 (0 Seconds)");
     EXPECT_EQ(prompts_.beeps, 0);
