@@ -33,16 +33,30 @@ class NormalPointer {
     bool overridden_ = QApplication::overrideCursor() != nullptr;
 };
 
-/// What a dialog stands over: a window that stays on top, which would hide it otherwise, or the dialog that
-/// has the user's attention, also while another program is active; or else the active window.
-QWidget* Owner() {
+/// The window that stays on top; null where there is none.
+QWidget* TopmostWindow() {
     const QWidgetList windows = QApplication::topLevelWidgets();
     const auto topmost = std::ranges::find_if(windows, [](const QWidget* window) {
         return window->isVisible() && window->windowFlags().testFlag(Qt::WindowStaysOnTopHint);
     });
-    if (topmost != windows.end()) return *topmost;
-    QWidget* const dialog = QApplication::activeModalWidget();
-    return dialog != nullptr ? dialog : QApplication::activeWindow();
+    return topmost != windows.end() ? *topmost : nullptr;
+}
+
+/// What a dialog stands over: a window that stays on top, which would hide it otherwise, or the dialog that
+/// has the user's attention, also while another program is active; or else the active window.
+QWidget* Owner() {
+    for (QWidget* const owner : {TopmostWindow(), QApplication::activeModalWidget()})
+        if (owner != nullptr) return owner;
+    return QApplication::activeWindow();
+}
+
+/// As far as the screen has room. What that window shows is what the question is about.
+void MoveBelow(const QWidget& window, QWidget& question) {
+    question.adjustSize();
+    const QRect frame = window.frameGeometry(), screen = window.screen()->availableGeometry();
+    const int height = question.height() + frame.height() - window.height();
+    question.move(frame.center().x() - question.width() / 2,
+                  std::min(frame.bottom() + 1, screen.bottom() + 1 - height));
 }
 
 int Execute(QDialog& dialog) {
@@ -156,6 +170,7 @@ Answer QtPrompts::Ask(const Prompt& prompt) {
                     ButtonsOf(prompt.buttons), Owner());
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(DefaultOf(prompt.buttons));
+    if (const QWidget* const topmost = TopmostWindow()) MoveBelow(*topmost, box);
     return AnswerOf(Execute(box));
 }
 

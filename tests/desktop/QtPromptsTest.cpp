@@ -106,16 +106,23 @@ TEST(QtPrompts, TextsAreShownAsTheyStandUnderANormalPointer) {
 TEST(QtPrompts, AWindowThatStaysOnTopDoesNotHideTheQuestion) {
     QWidget topmost(nullptr, Qt::Window | Qt::WindowStaysOnTopHint);
     QWidget active;
+    topmost.resize(200, 100);
     topmost.show();
     active.show();
     const QWidget* owner = nullptr;
+    QRect place;
     const User::Act look = [&](QWidget* dialog) {
         owner = dialog->parentWidget();
+        place = dialog->frameGeometry();
         PressEscape(dialog);
     };
-    const User user({look, look});
+    const User user({look, look, look});
     QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
     EXPECT_EQ(owner, &topmost);
+    EXPECT_FALSE(place.intersects(topmost.frameGeometry())) << "nor does the question hide it";
+    topmost.resize(topmost.screen()->size());
+    QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
+    EXPECT_TRUE(topmost.screen()->geometry().contains(place));
     topmost.hide();
     QApplication::setActiveWindow(&active);
     QtPrompts().Ask({"?", PromptButtons::Ok, PromptIcon::None});
