@@ -229,6 +229,7 @@ void MainForm::MakeItemVisible(int item) {
 
 void MainForm::RemoveItem(int item) {
     list_->TakeRows({item - 1});
+    summary_->SelectIcoSourceIco();
 }
 
 void MainForm::ShowDialogSlideOpt() {

@@ -226,5 +226,13 @@ TEST_F(WindowJobTest, OnlyMarkedFilesOfTheListLeaveTheDisk) {
     EXPECT_EQ(Rows(), Names{"c.bmp"});
 }
 
+TEST_F(WindowJobTest, AMarkedFileThatTheViewerTakesOutOfTheListIsCountedNoMore) {
+    Open();
+    for (const int file : {0, 1}) Mark(file);
+    form_->RemoveItem(1);
+    EXPECT_EQ(session_.SelectedCount, 1);
+    EXPECT_TRUE(Panel(1).starts_with("Total 2 Files")) << Panel(1);
+}
+
 }  // namespace
 }  // namespace tessara
