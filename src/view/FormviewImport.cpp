@@ -30,7 +30,7 @@ FormviewImport::FormviewImport(const ViewSurroundings& surroundings)
 }
 
 void FormviewImport::Form_Load() {
-    walk_.Start(host_.SelectedItem());
+    walk_.GoTo(host_.SelectedItem());
     SetupForm();
 }
 
@@ -44,8 +44,6 @@ void FormviewImport::SetupForm() {
     surroundings_.selection.SetViewerGesture(&selection_);
     LoadPict(session_.ImagePath);
     SetCaption();
-    FrameToolBar1_->LabelWH()->clear();
-    FrameToolBar1_->LabelXY()->clear();
     surroundings_.editor.host.BusyCursor(false);
     show();
     rastx1_->setFocus();
@@ -78,17 +76,35 @@ void FormviewImport::Form_Unload() {
 
 void FormviewImport::LoadPict(const std::string& path) {
     Rastx& pane = rastx1_->rastx();
-    SetImportToolTip(kSelectToolTip);
     pane.ClearImage();
     if (path.empty()) {
-        Ignore(surroundings_.importPane.CopyClip());
-        Ignore(pane.PasteClip());
+        PasteImportPicture();
     } else {
         std::string loaded = path;
         LoadIntoPanes(loaded, std::array{&pane},
                       {session_, surroundings_.editor.clipboard, host_.BackColor()});
     }
     Ignore(pane.CopyClip());
+    TellPicture(path);
+}
+
+void FormviewImport::TakeImportPicture() {
+    rastx1_->rastx().ClearImage();
+    PasteImportPicture();
+    const int item = host_.SelectedItem();
+    // A running show keeps its place, and its buttons.
+    if (item > 0 && host_.ItemKey(item) == session_.ImagePath && !session_.SlideRunning) walk_.GoTo(item);
+    TellPicture(session_.ImagePath);
+}
+
+void FormviewImport::PasteImportPicture() {
+    Ignore(surroundings_.importPane.CopyClip());
+    Ignore(rastx1_->rastx().PasteClip());
+}
+
+void FormviewImport::TellPicture(const std::string& path) {
+    const Rastx& pane = rastx1_->rastx();
+    SetImportToolTip(kSelectToolTip);
     setWindowTitle(ShownText(CaptionText(path, walk_.ListIndex, ItemCount())));
     FrameToolBar1_->LabelPict()->setText(ShownText(SizeText(pane.ImageWidth(), pane.ImageHeight())));
     ShowZoom(100);

@@ -38,6 +38,8 @@ class FormviewImport final : public QWidget, private ViewerStage, private Select
     /// Loads a file; an empty path takes the picture of the main window's import pane. The picture at 100 %
     /// rests on the clipboard from then on, and what else comes to lie there is what Zoom shows.
     void LoadPict(const std::string& path);
+    /// Shows the import pane's picture, and goes to its item in the list.
+    void TakeImportPicture();
     /// Moves ListIndex back (0) or on (1).
     void LastNext(int which) { walk_.LastNext(which); }
     void Loadfile00() override;
@@ -63,6 +65,9 @@ class FormviewImport final : public QWidget, private ViewerStage, private Select
 
   private:
     void ConnectPane();
+    void PasteImportPicture();
+    void TellPicture(const std::string& path);
+    void ForgetSelection();
     void Form_Load();
     void Form_Resize();
     void Form_Unload();

@@ -85,10 +85,21 @@ void FormviewImport::ConnectPane() {
     connect(rastx1_, &RastxPane::ImageMouseMove, this, [this] { selection_.ImageMouseMove(); });
     connect(rastx1_, &RastxPane::ImageMouseUp, this, [this] { selection_.ImageMouseUp(); });
     connect(rastx1_, &RastxPane::ImageRightClick, this, &FormviewImport::AdvanceSlides);
-    connect(rastx1_, &RastxPane::ImageChanged, this, &FormviewImport::SetCaption);
+    connect(rastx1_, &RastxPane::ImageChanged, this, [this] {
+        ForgetSelection();
+        SetCaption();
+    });
     connect(rastx1_, &RastxPane::ImageDblClick, this, [this] { ToggleMaximized(*this); });
     rastx1_->viewport()->installEventFilter(this);
     FrameToolBar1_->PictureToolBack()->installEventFilter(this);
+}
+
+// A rectangle belongs to the picture that it was dragged on, at its zoom.
+void FormviewImport::ForgetSelection() {
+    rastx1_->rastx().ClearSelect();
+    session_.SelectionViewActive = false;
+    FrameToolBar1_->LabelXY()->clear();
+    FrameToolBar1_->LabelWH()->clear();
 }
 
 void FormviewImport::SetLabelXY(const std::string& text) {

@@ -2,10 +2,10 @@
 
 namespace tessara {
 
-void ListWalk::Start(int selected) {
-    ListIndex = selected;
-    if (ListIndex == 1) stage_.SetImageTool(kPrevious, false);
-    if (ListIndex == stage_.ItemCount()) stage_.SetImageTool(kNext, false);
+void ListWalk::GoTo(int item) {
+    ListIndex = item;
+    stage_.SetImageTool(kPrevious, item != 1);
+    stage_.SetImageTool(kNext, item != stage_.ItemCount());
 }
 
 void ListWalk::LastNext(int which) {

@@ -13,8 +13,8 @@ class ListWalk {
     int ListIndex = 0;
     bool OnItem() const { return ListIndex >= 1 && ListIndex <= stage_.ItemCount(); }
 
-    /// Begins at the selected item; 0 where none is.
-    void Start(int selected);
+    /// Goes to an item; 0 stands for none.
+    void GoTo(int item);
     /// One item back (0) or on (1). The buttons tell what is possible then.
     void LastNext(int which);
 

@@ -45,10 +45,7 @@ void Viewers::SlidesToFront() {
 
 void Viewers::PutviewExport(int which) {
     if (import_ && which != 1) {
-        Ignore(surroundings_.importPane.CopyClip());
-        Rastx& pane = import_->rastx1(0).rastx();
-        pane.ClearImage();
-        Ignore(pane.PasteClip());
+        import_->TakeImportPicture();
         surroundings_.host.FocusMainWindow();
     }
     if (export_ && which != 0) {

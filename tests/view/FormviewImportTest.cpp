@@ -140,6 +140,19 @@ TEST_F(FormviewImportTest, ARectangleBecomesTheExportPicture) {
     EXPECT_FALSE(Pane().HasSelection());
 }
 
+TEST_F(FormviewImportTest, ARectangleGoesWithItsPicture) {
+    AddFile("1.bmp", 100, 80);
+    AddFile("2.bmp", 100, 80);
+    Open(1);
+    for (const int tool : {kZoomIn, kZoomOut, kNext}) {
+        Drag(At(10, 10), At(40, 30));
+        EXPECT_TRUE(session.SelectionViewActive);
+        form_->Imagetool(tool)->click();
+        EXPECT_FALSE(session.SelectionViewActive || Pane().HasSelection()) << tool;
+        EXPECT_EQ(Text(&ViewerToolbar::LabelXY) + Text(&ViewerToolbar::LabelWH), "") << tool;
+    }
+}
+
 TEST_F(FormviewImportTest, ARunningShowGoesOnByKeyAndClick) {
     AddFiles(9);
     session.SlideOptions.SlideAuto = 0;

@@ -14,14 +14,14 @@ TEST(ListWalk, StaysWithinTheListAndTellsItsEnds) {
         int count, selected;
         std::vector<int> steps;  // as LastNext takes them
         int endsAt;
-        const char* tools;  // previous and next; '.' where they stay as they were made
+        const char* tools;  // previous and next
     };
-    for (const Row& row : {Row{3, 1, {}, 1, "-."}, Row{1, 1, {}, 1, "--"}, Row{3, 0, {}, 0, ".."},
+    for (const Row& row : {Row{3, 1, {}, 1, "-+"}, Row{1, 1, {}, 1, "--"}, Row{3, 0, {}, 0, "++"},
                            Row{3, 2, {1}, 3, "+-"}, Row{3, 2, {0}, 1, "-+"}, Row{3, 1, {0}, 1, "-+"},
                            Row{3, 3, {1}, 3, "+-"}, Row{3, 0, {1}, 1, "++"}, Row{3, 0, {0}, 0, "++"}}) {
         test::RecordingStage stage;
         stage.count = row.count;
-        stage.walk.Start(row.selected);
+        stage.walk.GoTo(row.selected);
         for (const int step : row.steps) stage.walk.LastNext(step);
         EXPECT_EQ(stage.walk.ListIndex, row.endsAt);
         EXPECT_EQ(stage.Tools().substr(0, 2), row.tools) << "from " << row.selected;

@@ -69,6 +69,34 @@ TEST_F(ViewersTest, PutviewExportReachesTheViewersAskedFor) {
     }
 }
 
+TEST_F(ViewersTest, TheImageViewerTellsWhatItMirrors) {
+    AddFile("3.bmp", 20, 10);
+    viewers_.ShowFormviewImport();
+    FormviewImport& viewer = *viewers_.Import();
+    const auto told = [&] {
+        return viewer.FrameToolBar1().LabelPict()->text() + viewer.windowTitle() + QLatin1Char(' ') +
+               QString::number(viewer.Imagetool(kPrevious)->isEnabled()) +
+               QString::number(viewer.Imagetool(kNext)->isEnabled());
+    };
+    const auto name = [&](int item) { return QString::fromStdString(window.ItemKey(item)); };
+    EXPECT_EQ(told(), QStringLiteral("Size: 40 x 30") + name(1) + QStringLiteral("   [1/3] 01"));
+    Select(3);
+    importPane.SetImage(test::Draw("KWK"));
+    viewers_.PutviewExport(0);
+    EXPECT_EQ(told(), QStringLiteral("Size: 3 x 1") + name(3) + QStringLiteral("   [3/3] 10"));
+    viewer.Zoom(kZoomIn);
+    EXPECT_EQ(viewer.rastx1(0).rastx().ImageWidth(), 4) << "150 % of this picture";
+
+    session.ImagePath.clear();  // as after a paste
+    viewers_.PutviewExport(2);
+    EXPECT_EQ(told(), QStringLiteral("Size: 3 x 1   [3/3] 10"));
+    Select(2);
+    viewer.StartSlide();
+    viewers_.PutviewExport(2);
+    EXPECT_EQ(told(), QStringLiteral("Size: 3 x 1") + name(2) + QStringLiteral("   [3/3] 00"))
+        << "a running show keeps its place";
+}
+
 TEST_F(ViewersTest, TheSlideShowOpensItsStage) {
     viewers_.SlidesToFront();
     viewers_.StartSlideShow();
