@@ -47,6 +47,7 @@ void WorkingImage::Reload() {
         return;
     }
     importPane_.ClearSelect();
+    host_.ClearPositionLabels();
     Ignore(importPane_.CopyClip());
     Ignore(exportPane_.PasteClip());
     PutviewExport(1);

@@ -125,7 +125,7 @@ class MainForm final : public QMainWindow,
     Qt::WindowStates WindowState() const override { return windowState(); }
     void SetWindowState(Qt::WindowStates states) override;
     void SetCapturePicture(PictureState picture) override;
-    void ShowImportSize() override { selection_->ShowImportSize(); }
+    void ImportPictureTaken() override;
 
     // What the viewers need.
     int ItemCount() const override { return list_->RowCount(); }

@@ -42,7 +42,7 @@ void MainForm::ClearPanes() {
 
 void MainForm::ClearSelection() {
     session_.SelectionActive = false;
-    rastx1(0).rastx().ClearSelect();
+    selection_->ForgetSelection();
 }
 
 void MainForm::UndoRefresh(const std::string& command) {
@@ -200,6 +200,11 @@ void MainForm::SetWindowState(Qt::WindowStates states) {
 
 void MainForm::SetCapturePicture(PictureState picture) {
     toolbar_->Imagetool(kCaptureTool)->SetPicture(picture);
+}
+
+void MainForm::ImportPictureTaken() {
+    selection_->ForgetSelection();
+    selection_->ShowImportSize();
 }
 
 void MainForm::RunHtmlHelp(const std::string& topic) {

@@ -183,7 +183,7 @@ TEST_F(WorkingImages, ReloadDiscardsEveryEdit) {
     image_.Reload();
     EXPECT_EQ(test::Sketch(export_.Image()), "GB");
     EXPECT_TRUE(session_.ExportChanged) << "this road leaves it as it is";
-    EXPECT_EQ(host_.calls, "viewers1 ");
+    EXPECT_EQ(host_.calls, "labels viewers1 ");
 }
 
 }  // namespace

@@ -127,9 +127,8 @@ void ScreenCapture::Grasp() {
         surroundings_.host.Setvalid(true);
         session().ImagePath.clear();
         session().ExportChanged = false;
-        surroundings_.importPane.ClearSelect();
         surroundings_.editor.host.PutviewExport(2);
-        surroundings_.host.ShowImportSize();
+        surroundings_.host.ImportPictureTaken();
     }
     CloseWindow();
     surroundings_.host.SetWindowState(SavedWindowState_);

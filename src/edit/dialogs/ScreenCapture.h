@@ -22,8 +22,8 @@ class CaptureHost {
     /// The picture of the toolbar's button 11.
     virtual void SetCapturePicture(PictureState picture) = 0;
     virtual void Setvalid(bool valid) = 0;
-    /// LabelPict and the import pane's tooltip, for a picture that has just come into both panes.
-    virtual void ShowImportSize() = 0;
+    /// The labels and the import pane's tooltip, for a picture that has just come into both panes.
+    virtual void ImportPictureTaken() = 0;
 };
 
 /// The window that shows what will be taken.

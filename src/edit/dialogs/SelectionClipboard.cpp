@@ -45,6 +45,12 @@ void SelectionClipboard::ShowImportSize() {
     host_.SetImportToolTip(kSelectToolTip);
 }
 
+void SelectionClipboard::ForgetSelection() {
+    importPane_.ClearSelect();
+    host_.SetLabelXY({});
+    host_.SetLabelWH({});
+}
+
 void SelectionClipboard::CopyToClipboard() {
     Ignore(editor_.exportPane.CopyClip());
     CheckPaste(true);
@@ -59,7 +65,7 @@ void SelectionClipboard::CheckPaste(bool clipboardHoldsBitmap) {
 bool SelectionClipboard::Paste() {
     if (!ConfirmDiscardExport(editor_.session.ExportChanged, prompts_)) return false;
     editor_.undo.UndoCommand("SAVE");
-    importPane_.ClearSelect();
+    ForgetSelection();
     Ignore(importPane_.PasteClip());
     Ignore(editor_.exportPane.PasteClip());
     editor_.host.PutviewExport(2);
@@ -74,7 +80,7 @@ bool SelectionClipboard::Paste() {
 bool SelectionClipboard::CopyWholeImport() {
     if (!ConfirmDiscardExport(editor_.session.ExportChanged, prompts_)) return false;
     editor_.undo.UndoCommand("SAVE");
-    importPane_.ClearSelect();
+    ForgetSelection();
     Ignore(importPane_.CopyClip());
     Ignore(editor_.exportPane.PasteClip());
     editor_.host.PutviewExport(1);
@@ -90,7 +96,7 @@ void SelectionClipboard::CaptureEntireScreen() {
     // One look at the screen serves both panes: some desktops ask the user each time.
     if (importPane_.CaptureScreen()) {
         editor_.exportPane.SetImage(importPane_.Image());
-        importPane_.ClearSelect();
+        ForgetSelection();
         host_.Setvalid(true);
         editor_.host.PutviewExport(2);
     }

@@ -24,6 +24,8 @@ class SelectionClipboard {
     SelectionClipboard(Editor& editor, Rastx& importPane, Prompts& prompts, SelectionHost& host);
 
     void mEdit_Click(int Index);
+    /// Takes the import pane's rectangle away, and what the labels tell of it.
+    void ForgetSelection();
     /// LabelPict and the import pane's tooltip, for a picture that has just come into both panes.
     void ShowImportSize();
     /// Paste is possible while the clipboard holds a bitmap: to be asked at each paint and before the menu.

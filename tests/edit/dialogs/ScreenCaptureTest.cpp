@@ -26,7 +26,7 @@ struct RecordingCaptureHost final : CaptureHost {
     Qt::WindowStates state = Qt::WindowMaximized;
     std::string button;  ///< its pictures in order: Hover, Normal
     bool valid = false;
-    int labelUpdates = 0;
+    int picturesTaken = 0;
 
     Qt::WindowStates WindowState() const override { return state; }
     void SetWindowState(Qt::WindowStates states) override { state = states; }
@@ -34,7 +34,7 @@ struct RecordingCaptureHost final : CaptureHost {
         button += picture == PictureState::Hover ? 'H' : 'N';
     }
     void Setvalid(bool on) override { valid = on; }
-    void ShowImportSize() override { ++labelUpdates; }
+    void ImportPictureTaken() override { ++picturesTaken; }
 };
 
 /// Panes that hold "K" each before a desktop of six by four.
@@ -149,7 +149,7 @@ TEST_F(ScreenCaptureTest, TakesWhatLiesAroundThePointer) {
         EXPECT_EQ(host_.button.back(), 'N');
         EXPECT_TRUE(Ended());
     }
-    EXPECT_EQ(host_.labelUpdates, static_cast<int>(std::size(cases)));
+    EXPECT_EQ(host_.picturesTaken, static_cast<int>(std::size(cases)));
     EXPECT_EQ(edit_.host.calls.back(), "PutviewExport 2");
 }
 

@@ -158,6 +158,7 @@ TEST_F(SelectionClipboardTest, PasteFillsBothPanesWithAPictureWithoutAFile) {
     for (const Picture& shown : {import_.Image(), Export()})
         EXPECT_EQ(test::LargestDifference(shown, test::PhotoLike(9, 7)), 0);
     EXPECT_FALSE(import_.HasSelection());
+    EXPECT_EQ(host_.labelXY + host_.labelWH, "");
     EXPECT_EQ(session_.ImagePath, "");
     EXPECT_EQ(host_.calls, "valid ");
     EXPECT_FALSE(MenuEnabled("mTransform", 1) || MenuEnabled("mTransform", 2));
@@ -179,8 +180,11 @@ TEST_F(SelectionClipboardTest, WithoutABitmapThePanesStayAndTheRestHappens) {
 }
 
 TEST_F(SelectionClipboardTest, OtherEntriesFillThePanesToo) {
+    Drag(5, 5, 20, 20);
+    session_.ExportChanged = false;
     selection_.mEdit_Click(3);
     EXPECT_EQ(Export().Width(), 40) << "the whole import picture";
+    EXPECT_EQ(host_.labelXY + host_.labelWH, "");
     selection_.mEdit_Click(6);
     EXPECT_EQ(import_.ImageWidth(), 64) << "the entire screen";
     EXPECT_EQ(host_.labelPict, "Size : 64 x 48");
