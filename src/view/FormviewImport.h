@@ -59,6 +59,7 @@ class FormviewImport final : public QWidget, private ViewerStage, private Select
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -98,6 +99,7 @@ class FormviewImport final : public QWidget, private ViewerStage, private Select
     ListWalk walk_{*this};
     SlideShow slides_;
     ZoomLevels zoom_;
+    bool keyPressed_ = false;  ///< in this window; a key that opened it comes up in it too
     int ImageWidth100_ = 0;
     int ImageHeight100_ = 0;
 };

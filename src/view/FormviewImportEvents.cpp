@@ -1,6 +1,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <algorithm>
+#include <utility>
 
 #include "desktop/PathText.h"
 #include "view/DialogSlideOpt.h"
@@ -90,6 +91,7 @@ void FormviewImport::ConnectPane() {
         SetCaption();
     });
     connect(rastx1_, &RastxPane::ImageDblClick, this, [this] { ToggleMaximized(*this); });
+    rastx1_->installEventFilter(this);
     rastx1_->viewport()->installEventFilter(this);
     FrameToolBar1_->PictureToolBack()->installEventFilter(this);
 }
@@ -133,9 +135,14 @@ void FormviewImport::closeEvent(QCloseEvent*) {
     Q_EMIT Unloaded();
 }
 
+void FormviewImport::keyPressEvent(QKeyEvent* event) {
+    keyPressed_ = true;
+    QWidget::keyPressEvent(event);
+}
+
 void FormviewImport::keyReleaseEvent(QKeyEvent* event) {
     if (event->isAutoRepeat()) return;
-    AdvanceSlides();
+    if (std::exchange(keyPressed_, false)) AdvanceSlides();
     if (event->key() == Qt::Key_F7) Q_EMIT ExportViewerWanted();
 }
 
@@ -145,6 +152,8 @@ void FormviewImport::mouseDoubleClickEvent(QMouseEvent* event) {
 
 // A slide show goes on wherever the pane is clicked, also beside the picture of a small file or none.
 bool FormviewImport::eventFilter(QObject* watched, QEvent* event) {
+    // The pane keeps keys that scroll to itself.
+    if (watched == rastx1_ && event->type() == QEvent::KeyPress) keyPressed_ = true;
     const bool onPane = watched == rastx1_->viewport() && event->type() == QEvent::MouseButtonPress;
     const bool onStrip =
         watched == FrameToolBar1_->PictureToolBack() && event->type() == QEvent::MouseButtonRelease;

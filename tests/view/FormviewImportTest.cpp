@@ -171,6 +171,8 @@ TEST_F(FormviewImportTest, ARunningShowGoesOnByKeyAndClick) {
         step();
         EXPECT_EQ(form_->ListIndex(), index) << "without a show";
         form_->StartSlide();
+        QTest::keyRelease(form_.get(), Qt::Key_Return);
+        EXPECT_EQ(form_->ListIndex(), index) << "the key that chose the show in a menu";
         step();
         EXPECT_EQ(form_->ListIndex(), ++index);
         form_->StartSlide();
