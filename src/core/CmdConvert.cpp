@@ -43,8 +43,7 @@ std::optional<std::string> TakeExtension(std::string_view path) {
     const std::string tail = UpperCase(path.substr(path.size() - std::min<std::size_t>(path.size(), 5)));
     if (!tail.empty() && tail[0] == '.')
         return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 4));
-    if (tail.size() >= 2 && tail[1] == '.')
-        return tail.substr(tail.size() - std::min<std::size_t>(tail.size(), 3));
+    if (tail.size() == 5 && tail[1] == '.') return tail.substr(2);
     return std::nullopt;
 }
 
@@ -55,7 +54,7 @@ struct Checked {
 };
 
 Checked Check(const Conversion& conversion) {
-    if (!IsFile(conversion.importPath)) return {nullptr, "Import file not found!"};
+    if (!IsNormalFile(conversion.importPath)) return {nullptr, "Import file not found!"};
     if (!conversion.overwrite && IsFile(conversion.exportPath))
         return {nullptr, "Export file already exists!"};
     const std::optional<std::string> importExtension = TakeExtension(conversion.importPath);

@@ -184,6 +184,11 @@ bool IsFile(const std::string& path) {
     return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
+bool IsNormalFile(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 Result<void> ReplaceFile(const std::string& path, const std::function<Result<void>(ByteSink&)>& write) {
     TRY_ASSIGN(const std::string target, FollowLinks(path));
     struct stat old {};

@@ -23,6 +23,8 @@ class FileBytes {
 
 /// Whether `path` names an existing file that is no folder.
 bool IsFile(const std::string& path);
+/// The same, and no pipe or device either.
+bool IsNormalFile(const std::string& path);
 
 /// Writes a file through `write` so that `path` holds either the whole new file or what it held before. A
 /// path that is a symbolic link is written through, and an existing file keeps its permissions. Devices and

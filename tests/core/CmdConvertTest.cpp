@@ -1,6 +1,7 @@
 #include "core/CmdConvert.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -20,10 +21,11 @@ class CommandLine : public testing::Test {
     void SetUp() override {
         fs::create_directory(folder_.File("reports"));
         fs::create_directory(folder_.File("folder.bmp"));
+        ASSERT_EQ(mkfifo(folder_.File("pipe.bmp").c_str(), 0600), 0);
         const ByteVector bitmap = test::Hex(
             "424d 46000000 00000000 36000000 28000000 02000000 02000000 0100 1800 00000000 10000000"
             "00000000 00000000 00000000 00000000 ff0000 00ff00 0000 0000ff ffffff 0000");
-        for (const char* name : {"a.bmp", "A B.BMP", "a.tiff", "a.b", "a.xyz", ".bmp", "-o a.bmp"})
+        for (const char* name : {"a.bmp", "A B.BMP", "a.tiff", "a.b", "a.xyz", "-o a.bmp"})
             test::WriteWhole(folder_.File(name), bitmap);
         test::WriteWhole(folder_.File("old.png"), AsBytes("old"));
         test::WriteWhole(folder_.File("broken.bmp"), AsBytes("BM, and then nothing of use"));
@@ -55,6 +57,7 @@ TEST_F(CommandLine, RefusesInTheOrderOfTheChecksAndReports) {
     const Case cases[] = {
         {"@/missing.bmp,@/old.png", "missing.bmp-old.png.err.txt", "Import file not found!"},
         {"@/folder.bmp,@/new.png", "folder.bmp-new.png.err.txt", "Import file not found!"},
+        {"@/pipe.bmp,@/new.png", "pipe.bmp-new.png.err.txt", "Import file not found!"},
         {"\"@/a.bmp\",@/new.png", "a.bmp\"-new.png.err.txt", "Import file not found!"},
         {" -O @/a.bmp,@/new.png", "a.bmp-new.png.err.txt", "Import file not found!"},
         {"@/a.b,@/old.png", "a.b-old.png.err.txt", "Export file already exists!"},
@@ -62,6 +65,8 @@ TEST_F(CommandLine, RefusesInTheOrderOfTheChecksAndReports) {
         {"-O @/a.b,@/old.png", "a.b-old.png.err.txt", "Import file's format error!"},
         {"@/a.bmp,@/new", "a.bmp-new.err.txt", "Export file's format error!"},
         {"@/a.bmp,", "a.bmp-.err.txt", "Export file's format error!"},
+        {"@/a.bmp,a.b", "a.bmp-a.b.err.txt", "Export file's format error!"},
+        {"@/a.bmp,.bmp", "a.bmp-.bmp.err.txt", "Export file's format isn't supported!"},
         {"@/a.xyz,@/new.tiff", "a.xyz-new.tiff.err.txt", "Import file's format isn't supported!"},
         {"@/a.bmp,@/new.tiff", "a.bmp-new.tiff.err.txt", "Export file's format isn't supported!"},
         {"@/a.bmp,@/new.jpeg", "a.bmp-new.jpeg.err.txt", "Export file's format isn't supported!"},
