@@ -103,6 +103,14 @@ Result<std::string> FollowLinks(std::string path) {
     return CannotWrite("too many symbolic links");
 }
 
+/// File systems that know no permissions show the same ones for every file, and refuse to set any.
+bool GivePermissions(int file, mode_t wanted) {
+    constexpr mode_t kPermissions = 07777;
+    struct stat made {};
+    if (fstat(file, &made) == 0 && ((made.st_mode ^ wanted) & kPermissions) == 0) return true;
+    return fchmod(file, wanted & kPermissions) == 0;
+}
+
 std::string TemporaryName(const std::filesystem::path& folder) {
     thread_local std::mt19937_64 random{std::random_device{}()};
     return (folder / (".tessara-" + std::to_string(random()) + ".tmp")).string();
@@ -198,11 +206,14 @@ Result<void> ReplaceFile(const std::string& path, const std::function<Result<voi
         if (!device.Valid()) return CannotWrite(SystemMessage());
         return WriteThrough(device.Number(), write);
     }
+    // Moving a file over another asks only whether the folder may be changed.
+    if (replaces && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
+        return CannotWrite(SystemMessage());
     TRY_ASSIGN(NewFile made, NewFile::Make(std::filesystem::path(target).parent_path()));
     TRY(WriteThrough(made.file.Number(), write));
     if (replaces) {
         // The old file is given up only when the new one would survive a power cut.
-        if (fchmod(made.file.Number(), old.st_mode & 07777) != 0 || fdatasync(made.file.Number()) != 0)
+        if (!GivePermissions(made.file.Number(), old.st_mode) || fdatasync(made.file.Number()) != 0)
             return CannotWrite(SystemMessage());
         // Only a privileged user may give files away; anybody else becomes the owner of what he wrote.
         [[maybe_unused]] const int ownerKept = fchown(made.file.Number(), old.st_uid, old.st_gid);

@@ -27,8 +27,8 @@ bool IsFile(const std::string& path);
 bool IsNormalFile(const std::string& path);
 
 /// Writes a file through `write` so that `path` holds either the whole new file or what it held before. A
-/// path that is a symbolic link is written through, and an existing file keeps its permissions. Devices and
-/// pipes are written to directly.
+/// path that is a symbolic link is written through, and an existing file keeps its permissions; one that is
+/// protected against writing is a failure. Devices and pipes are written to directly.
 Result<void> ReplaceFile(const std::string& path, const std::function<Result<void>(ByteSink&)>& write);
 
 }  // namespace tessara

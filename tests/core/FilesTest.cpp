@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
@@ -100,6 +101,23 @@ TEST(ReplaceFile, KeepsThePermissionsOfTheOldFile) {
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
     test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "new"); }));
     EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0640));
+}
+
+// Root may write everywhere, so the save is somebody else's, in a process of its own.
+TEST(ReplaceFile, LeavesAProtectedFileAsItIs) {
+    const test::TemporaryFolder folder;
+    const std::string path = folder.File("a.bmp");
+    test::WriteWhole(path, AsBytes("old"));
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    ASSERT_EQ(chmod(folder.Path().c_str(), 0777), 0);
+    const auto saves = [](const std::string& target) {
+        constexpr uid_t kNobody = 65534;
+        if (geteuid() == 0 && seteuid(kNobody) != 0) return false;
+        return ReplaceFile(target, [](ByteSink& sink) { return WriteText(sink, "new"); }).Ok();
+    };
+    EXPECT_EXIT(_exit(saves(path)), testing::ExitedWithCode(false), "");
+    EXPECT_EXIT(_exit(saves(folder.File("b.bmp"))), testing::ExitedWithCode(true), "");
+    EXPECT_EQ(Text(path), "old");
 }
 
 TEST(ReplaceFile, OverwritesBytesAlreadyWritten) {
