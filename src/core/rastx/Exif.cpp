@@ -19,7 +19,8 @@ namespace {
 
 using namespace tiff;
 
-constexpr std::uint64_t kFirstDirectory = 4;  ///< where its offset stands
+constexpr std::uint64_t kFirstDirectory = 4;                    ///< where its offset stands
+constexpr std::uint64_t kLargestExif = std::uint64_t{1} << 20;  ///< of all values that are taken over
 
 /// A reader in the byte order of the block.
 class ExifReader {
@@ -106,13 +107,15 @@ void RemoveThumbnail(ByteVector& block, ExifReader& reader, const Directory& fir
         block.resize(static_cast<std::size_t>(start));
 }
 
-/// Nothing where the type is unknown or the values are not there.
-std::optional<ExifEntry> ReadEntry(Bytes block, ExifReader& reader, const Entry& entry) {
+/// Nothing where the type is unknown, the values are not there, or they are longer than `room`, from which
+/// they are taken.
+std::optional<ExifEntry> ReadEntry(Bytes block, ExifReader& reader, const Entry& entry, std::uint64_t& room) {
     if (entry.type < 1 || entry.type > std::size(kTypeSizes)) return std::nullopt;
     const TypeSize size = kTypeSizes[entry.type - 1];
     const std::uint64_t length = std::uint64_t{entry.count} * size.number * size.numbers;
     const std::uint64_t position = length <= 4 ? entry.valuePosition : reader.U32(entry.valuePosition);
-    if (position + length > block.size()) return std::nullopt;
+    if (position + length > block.size() || length > room) return std::nullopt;
+    room -= length;
     const Bytes values = block.subspan(static_cast<std::size_t>(position), static_cast<std::size_t>(length));
     ExifEntry read{static_cast<std::uint16_t>(entry.tag), static_cast<std::uint16_t>(entry.type), entry.count,
                    ByteVector(values.begin(), values.end())};
@@ -128,12 +131,13 @@ bool Describes(std::uint32_t tag) {
     return std::ranges::find(kTags, tag) != std::end(kTags);
 }
 
-std::vector<ExifEntry> ReadEntries(Bytes block, ExifReader& reader, std::uint64_t position) {
+std::vector<ExifEntry> ReadEntries(Bytes block, ExifReader& reader, std::uint64_t position,
+                                   std::uint64_t& room) {
     constexpr std::uint32_t kInteroperability = 40965;  // a directory of its own that nothing needs
     std::vector<ExifEntry> entries;
     for (const Entry& entry : ReadDirectory(reader, position).entries)
-        if (auto read = ReadEntry(block, reader, entry); read && entry.tag != kInteroperability)
-            entries.push_back(std::move(*read));
+        if (entry.tag != kInteroperability)
+            if (auto read = ReadEntry(block, reader, entry, room)) entries.push_back(std::move(*read));
     return entries;
 }
 
@@ -202,13 +206,16 @@ ExifDirectories ReadExifDirectories(Bytes block) {
     ExifDirectories directories;
     ExifReader reader(block);
     if (!reader.Valid()) return directories;
+    // Any number of entries can claim the same bytes of a hostile block.
+    std::uint64_t room = std::min<std::uint64_t>(block.size(), kLargestExif);
     for (const Entry& entry : ReadDirectory(reader, reader.U32(kFirstDirectory)).entries) {
         if (entry.tag == kPhotoDirectory)
-            directories.photo = ReadEntries(block, reader, IntegerOf(reader, entry));
+            directories.photo = ReadEntries(block, reader, IntegerOf(reader, entry), room);
         else if (entry.tag == kPlaceDirectory)
-            directories.place = ReadEntries(block, reader, IntegerOf(reader, entry));
-        else if (auto read = ReadEntry(block, reader, entry); read && Describes(entry.tag))
-            directories.image.push_back(std::move(*read));
+            directories.place = ReadEntries(block, reader, IntegerOf(reader, entry), room);
+        else if (Describes(entry.tag))
+            if (auto read = ReadEntry(block, reader, entry, room))
+                directories.image.push_back(std::move(*read));
     }
     return directories;
 }

@@ -36,7 +36,7 @@ struct ExifDirectories {
     std::vector<ExifEntry> photo;  ///< how it was taken
     std::vector<ExifEntry> place;  ///< where
 };
-/// Entries whose values lie outside of the block are left out.
+/// Entries whose values lie outside of the block are left out, and those for which a megabyte is not enough.
 ExifDirectories ReadExifDirectories(Bytes block);
 
 /// Whether showing a picture of this orientation upright swaps its width and height.

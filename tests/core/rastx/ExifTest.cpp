@@ -63,6 +63,19 @@ TEST(Exif, AnUprightBlockLosesOnlyOrientationAndThumbnail) {
     EXPECT_EQ(reader.U32Le(), 0u) << "no second directory";
 }
 
+TEST(Exif, EntriesThatShareTheirBytesTakeNoMoreThanTheBlock) {
+    constexpr std::uint32_t kMany = 1000, kPhoto = 34665, kUndefined = 7, kLong = 4;
+    ByteWriter block;
+    block.Text("II").U16Le(42).U32Le(8);
+    block.U16Le(1).U16Le(kPhoto).U16Le(kLong).U32Le(1).U32Le(26).U32Le(0);
+    block.U16Le(kMany);
+    for (std::uint32_t i = 0; i < kMany; ++i) block.U16Le(i).U16Le(kUndefined).U32Le(5000).U32Le(0);
+    block.U32Le(0);
+    std::size_t taken = 0;
+    for (const ExifEntry& entry : ReadExifDirectories(block.Written()).photo) taken += entry.values.size();
+    EXPECT_EQ(taken, 10'000u) << "two of them fit into the 12030 bytes of the block";
+}
+
 TEST(Exif, OrientationsTurnThePictureUpright) {
     const Picture stored = Draw("RGB KWY");
     const struct {
