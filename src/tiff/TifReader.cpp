@@ -8,6 +8,7 @@
 #include "core/ByteReader.h"
 #include "core/rastx/Exif.h"
 #include "core/rastx/Rows.h"
+#include "core/rastx/TiffDirectory.h"
 #include "core/rastx/codecs/Jpg.h"
 #include "tiff/TifChunks.h"
 #include "tiff/TifColors.h"
@@ -207,12 +208,21 @@ Result<Picture> ReadPicture(const TifFile& file, const DecodeOptions& options) {
     return carried ? carried : picture;
 }
 
+/// A TIFF begins like an EXIF block, so what both can tell of a picture is read as if the file were one.
+Metadata ReadMetadata(const TifFile& file) {
+    Metadata metadata{file.DotsPerInch(), nullptr};
+    Result<ByteVector> exif = MakeExif(ReadExifDirectories(file.File()));
+    if (exif && !exif.Value().empty())
+        metadata.exif = std::make_shared<const ByteVector>(std::move(exif).Value());
+    return metadata;
+}
+
 Result<Picture> ReadTif(Bytes file, const DecodeOptions& options) {
     TRY_ASSIGN(const TifFile opened, TifFile::Open(file));
     TRY(CheckPlausible(opened, options.limits));
     TRY_ASSIGN(Picture picture, ReadPicture(opened, options));
     picture.DropUnusedAlpha();
-    picture.SetResolution(opened.DotsPerInch());
+    picture.SetMeta(ReadMetadata(opened));
     return ApplyOrientation(std::move(picture), opened.Layout().orientation);
 }
 

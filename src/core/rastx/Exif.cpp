@@ -19,7 +19,6 @@ namespace {
 
 using namespace tiff;
 
-constexpr std::uint64_t kFirstDirectory = 4;                    ///< where its offset stands
 constexpr std::uint64_t kLargestExif = std::uint64_t{1} << 20;  ///< of all values that are taken over
 
 /// A reader in the byte order of the block.
@@ -190,7 +189,7 @@ ExifFields ReadExif(Bytes block) {
     if (!reader.Valid()) return fields;
     constexpr std::uint32_t kCentimetre = 3;
     std::uint32_t unit = 2;  // inch, where nothing is said
-    for (const Entry& entry : ReadDirectory(reader, reader.U32(kFirstDirectory)).entries) {
+    for (const Entry& entry : ReadDirectory(reader, reader.U32(kDirectoryOffset)).entries) {
         if (entry.tag == kOrientation) fields.orientation = static_cast<int>(IntegerOf(reader, entry));
         if (entry.tag == kXResolution) fields.resolution.x = RationalOf(reader, entry);
         if (entry.tag == kYResolution) fields.resolution.y = RationalOf(reader, entry);
@@ -208,7 +207,7 @@ ExifDirectories ReadExifDirectories(Bytes block) {
     if (!reader.Valid()) return directories;
     // Any number of entries can claim the same bytes of a hostile block.
     std::uint64_t room = std::min<std::uint64_t>(block.size(), kLargestExif);
-    for (const Entry& entry : ReadDirectory(reader, reader.U32(kFirstDirectory)).entries) {
+    for (const Entry& entry : ReadDirectory(reader, reader.U32(kDirectoryOffset)).entries) {
         if (entry.tag == kPhotoDirectory)
             directories.photo = ReadEntries(block, reader, IntegerOf(reader, entry), room);
         else if (entry.tag == kPlaceDirectory)
@@ -224,7 +223,7 @@ ByteVector UprightExif(Bytes block) {
     ExifReader reader(block);
     if (!reader.Valid()) return {};
     ByteVector upright(block.begin(), block.end());
-    const Directory directory = ReadDirectory(reader, reader.U32(kFirstDirectory));
+    const Directory directory = ReadDirectory(reader, reader.U32(kDirectoryOffset));
     for (const Entry& entry : directory.entries)
         if (entry.tag == kOrientation && entry.type == kShort)
             SetU16(upright, reader.BigEndian(), entry.valuePosition, 1);

@@ -43,5 +43,7 @@ struct TypeSize {
 constexpr TypeSize kTypeSizes[] = {{1, 1}, {1, 1}, {2, 1}, {4, 1}, {4, 2}, {1, 1},
                                    {1, 1}, {2, 1}, {4, 1}, {4, 2}, {4, 1}, {8, 1}};
 constexpr std::size_t kEntrySize = 12;
+/// Where the header of a file or block says where its directory is.
+constexpr std::uint64_t kDirectoryOffset = 4;
 
 }  // namespace tessara::tiff

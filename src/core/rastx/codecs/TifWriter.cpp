@@ -6,14 +6,14 @@
 #include "core/ZlibPacker.h"
 #include "core/rastx/Exif.h"
 #include "core/rastx/Rows.h"
-#include "core/rastx/TiffTags.h"
+#include "core/rastx/TiffDirectory.h"
 #include "core/rastx/codecs/Tif.h"
 
 // A TIFF of one picture (TIFF 6.0): header, strips, then what does not fit into the directory, and the
 // directory.
 //
 //   0  "II", 42                    little endian
-//   4  offset of the directory     patched when it is known
+//   4  offset of the directory     overwritten when it is known
 
 namespace tessara {
 namespace {
@@ -24,7 +24,6 @@ constexpr std::uint32_t kDeflate = 8;
 constexpr std::uint32_t kHorizontalDifferences = 2;
 constexpr std::uint32_t kUnassociatedAlpha = 2;
 constexpr std::uint32_t kInch = 2;
-constexpr std::uint64_t kDirectoryOffset = 4;
 constexpr std::uint64_t kLargestFile = UINT32_MAX;
 constexpr std::size_t kStripSize = std::size_t{512} << 10;
 
@@ -123,49 +122,6 @@ Result<Strips> WriteStrips(const Picture& picture, Samples samples, ByteSink& si
     return strips;
 }
 
-/// Gathers the entries of a directory, in any order.
-class Directory {
-  public:
-    void Add(Tag tag, Type type, const std::vector<std::uint32_t>& values) {
-        ByteWriter data;
-        for (const std::uint32_t value : values) type == kShort ? data.U16Le(value) : data.U32Le(value);
-        const std::size_t count = type == kRational ? values.size() / 2 : values.size();
-        entries_.push_back({tag, type, static_cast<std::uint32_t>(count), data.TakeBytes()});
-    }
-
-    void Add(const std::vector<ExifEntry>& entries) {
-        entries_.insert(entries_.end(), entries.begin(), entries.end());
-    }
-
-    /// Writes values of more than four bytes, then the entries by their tags, and tells where these begin.
-    Result<std::uint32_t> Write(ByteSink& sink) {
-        std::ranges::stable_sort(entries_, {}, &ExifEntry::tag);
-        std::uint64_t end = sink.Position();
-        ByteWriter values;
-        ByteWriter table;
-        if (end % 2 != 0) values.U8(0);
-        table.U16Le(static_cast<std::uint32_t>(entries_.size()));
-        for (const ExifEntry& entry : entries_) {
-            table.U16Le(entry.tag).U16Le(entry.type).U32Le(entry.count);
-            if (entry.values.size() <= 4) {
-                table.Append(entry.values).Zeros(4 - entry.values.size());
-            } else {
-                table.U32Le(static_cast<std::uint32_t>(end + values.Size()));
-                values.Append(entry.values).Zeros(entry.values.size() % 2);
-            }
-        }
-        table.U32Le(0);
-        const std::uint64_t start = end + values.Size();
-        if (start + table.Size() > kLargestFile) return TooBig("a TIFF holds no more than 4 GiB");
-        TRY(sink.Write(values.Written()));
-        TRY(sink.Write(table.Written()));
-        return static_cast<std::uint32_t>(start);
-    }
-
-  private:
-    std::vector<ExifEntry> entries_;
-};
-
 /// A number of dots per inch as a fraction.
 std::vector<std::uint32_t> Fraction(double value) {
     constexpr double kParts = 10000;
@@ -175,12 +131,12 @@ std::vector<std::uint32_t> Fraction(double value) {
     return {static_cast<std::uint32_t>(numerator), static_cast<std::uint32_t>(scale)};
 }
 
-Directory Describe(const Picture& picture, Samples samples, const Strips& strips) {
+TiffDirectory Describe(const Picture& picture, Samples samples, const Strips& strips) {
     const std::size_t count = SamplesPerPixel(samples);
     const bool bilevel = samples == Samples::Bilevel;
     constexpr std::uint32_t kMinIsBlack = 1;
     constexpr std::uint32_t kRgb = 2;
-    Directory directory;
+    TiffDirectory directory;
     directory.Add(kImageWidth, kLong, {static_cast<std::uint32_t>(picture.Width())});
     directory.Add(kImageLength, kLong, {static_cast<std::uint32_t>(picture.Height())});
     directory.Add(kBitsPerSample, kShort, std::vector<std::uint32_t>(count, bilevel ? 1 : 8));
@@ -202,32 +158,15 @@ Directory Describe(const Picture& picture, Samples samples, const Strips& strips
     return directory;
 }
 
-/// Adds what a picture carries of its taking; directories of their own are written at once.
-Result<void> AddExif(Bytes block, Directory& directory, ByteSink& sink) {
-    const ExifDirectories exif = ReadExifDirectories(block);
-    directory.Add(exif.image);
-    const auto addOwn = [&](Tag tag, const std::vector<ExifEntry>& entries) -> Result<void> {
-        if (entries.empty()) return {};
-        Directory own;
-        own.Add(entries);
-        TRY_ASSIGN(const std::uint32_t start, own.Write(sink));
-        directory.Add(tag, kLong, {start});
-        return {};
-    };
-    TRY(addOwn(kPhotoDirectory, exif.photo));
-    return addOwn(kPlaceDirectory, exif.place);
-}
-
 }  // namespace
 
 Result<void> EncodeTif(const Picture& picture, const EncodeOptions&, ByteSink& sink) {
-    TRY(sink.Write(ByteWriter().Text("II").U16Le(42).U32Le(0).Written()));
+    TRY(WriteTiffHeader(sink));
     const Samples samples = SamplesFor(picture);
     TRY_ASSIGN(const Strips strips, WriteStrips(picture, samples, sink));
-    Directory directory = Describe(picture, samples, strips);
-    if (const auto& exif = picture.Meta().exif) TRY(AddExif(*exif, directory, sink));
-    TRY_ASSIGN(const std::uint32_t start, directory.Write(sink));
-    return sink.Overwrite(kDirectoryOffset, ByteWriter().U32Le(start).Written());
+    TiffDirectory directory = Describe(picture, samples, strips);
+    if (const auto& exif = picture.Meta().exif) TRY(directory.Add(ReadExifDirectories(*exif), sink));
+    return directory.WriteAsFirst(sink);
 }
 
 }  // namespace tessara

@@ -509,7 +509,7 @@ TEST(Tif, WritesPicturesOfManyStrips) {
     EXPECT_EQ(test::LargestDifference(Must(DecodeTif(Encode(EncodeTif, translucent), {})), translucent), 0);
 }
 
-TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
+TEST(Tif, KeepsWhatIsKnownOfThePicturesTaking) {
     // Big endian: a maker, an orientation, a directory with an exposure of 1/60, one with a latitude "N".
     const ByteVector exif =
         Hex("4D4D002A 00000008 0004"
@@ -530,7 +530,10 @@ TEST(Tif, WritesWhatIsKnownOfThePicturesTaking) {
     EXPECT_EQ(written.photo[0].values, Hex("01000000 3C000000")) << "numbers are little endian now";
     ASSERT_EQ(written.place.size(), 1u);
     EXPECT_EQ(written.place[0].values, Hex("4E00"));
-    EXPECT_EQ(Sketch(Must(DecodeTif(file, {}))), "RGB");
+    const Picture read = Must(DecodeTif(file, {}));
+    EXPECT_EQ(Sketch(read), "RGB");
+    EXPECT_EQ(Encode(EncodeTif, read), file) << "all of it is read back";
+    EXPECT_FALSE(Must(DecodeTif(Encode(EncodeTif, Draw("RGB")), {})).Meta().exif);
     // A block that is cut anywhere costs entries, not the picture.
     for (std::size_t length = 0; length < exif.size(); ++length) {
         picture.SetMeta({{},
