@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
 #include <vector>
 
 #include "core/ByteReader.h"
@@ -135,6 +136,39 @@ struct Merged {
     std::int64_t rows = 0;  ///< how many have all their colours
 };
 
+/// Turns the samples into the picture. Tells how many of them are darker than any colour is on white.
+std::int64_t ConvertPlanes(const PsdPlanes& planes, const PsdColors& colors, bool hasAlpha,
+                           PsdColors::Matte matte, Picture& picture) {
+    const std::span<Pixel> pixels = picture.MutablePixels();
+    const auto width = static_cast<std::size_t>(picture.Width());
+    const auto colorPlanes = static_cast<std::size_t>(colors.Planes());
+    const std::size_t wanted = colorPlanes + (hasAlpha ? 1 : 0);
+    std::atomic<std::int64_t> tooDark = 0;
+    constexpr int kRowsPerBand = 32;
+    ParallelRows(picture.Height(), HardwareThreads(), kRowsPerBand, [&](int begin, int end) {
+        ByteVector unpacked(planes.RowBytes() * wanted);
+        const std::span<std::uint8_t> scratch(unpacked);
+        PsdColors::Scratch steps;
+        std::array<Bytes, 5> rows;
+        for (int y = begin; y < end; ++y) {
+            for (std::size_t plane = 0; plane < wanted; ++plane)
+                rows[plane] = planes.Row(static_cast<int>(plane), y,
+                                         scratch.subspan(plane * planes.RowBytes(), planes.RowBytes()));
+            const auto row = pixels.subspan(static_cast<std::size_t>(y) * width, width);
+            if (rows[0].empty()) {
+                std::ranges::fill(row, picture.HasAlpha() ? kTransparent : kWhite);
+                continue;
+            }
+            const auto color = std::span(rows).first(colorPlanes);
+            const Bytes alpha = hasAlpha ? rows[colorPlanes] : Bytes();
+            tooDark += colors.CountTooDarkOnWhite(color, alpha, width);
+            colors.ToPixels(color, alpha, alpha.empty() ? PsdColors::Matte::None : matte, row, steps);
+            colors.ToSrgb(row);
+        }
+    });
+    return tooDark;
+}
+
 /// Decodes the merged picture, as far as the file holds it.
 Result<Merged> DecodeMerged(const PsdHeader& header, Bytes section, const PsdColors& colors, bool hasAlpha,
                             const Limits& limits) {
@@ -156,31 +190,12 @@ Result<Merged> DecodeMerged(const PsdHeader& header, Bytes section, const PsdCol
     const bool transparent = hasAlpha || colors.HasTransparentIndex();
     TRY_ASSIGN(merged.picture, Picture::Create(header.width, header.height,
                                                transparent ? Alpha::Straight : Alpha::None, limits));
-    const std::span<Pixel> pixels = merged.picture.MutablePixels();
-    const auto width = static_cast<std::size_t>(header.width);
-    constexpr int kRowsPerBand = 32;
-    ParallelRows(merged.picture.Height(), HardwareThreads(), kRowsPerBand, [&](int begin, int end) {
-        ByteVector unpacked(planes.RowBytes() * static_cast<std::size_t>(wanted));
-        const std::span<std::uint8_t> scratch(unpacked);
-        PsdColors::Scratch steps;
-        std::array<Bytes, 5> rows;
-        for (int y = begin; y < end; ++y) {
-            for (int plane = 0; plane < wanted; ++plane) {
-                const auto index = static_cast<std::size_t>(plane);
-                rows[index] =
-                    planes.Row(plane, y, scratch.subspan(index * planes.RowBytes(), planes.RowBytes()));
-            }
-            const auto row = pixels.subspan(static_cast<std::size_t>(y) * width, width);
-            if (rows[0].empty()) {
-                std::ranges::fill(row, transparent ? kTransparent : kWhite);
-                continue;
-            }
-            const Bytes alpha = hasAlpha ? rows[static_cast<std::size_t>(colorPlanes)] : Bytes();
-            colors.ToPixels(std::span(rows).first(static_cast<std::size_t>(colorPlanes)), alpha,
-                            alpha.empty() ? PsdColors::Matte::None : PsdColors::Matte::White, row, steps);
-            colors.ToSrgb(row);
-        }
-    });
+    // Where there is alpha the colours lie on white, but for those of some other programs: these are seldom
+    // bright enough for it all over.
+    using enum PsdColors::Matte;
+    const auto fewPixels = static_cast<std::int64_t>(merged.picture.PixelCount() / 100);
+    if (ConvertPlanes(planes, colors, hasAlpha, White, merged.picture) > fewPixels)
+        ConvertPlanes(planes, colors, hasAlpha, None, merged.picture);
     merged.picture.DropUnusedAlpha();
     return merged;
 }

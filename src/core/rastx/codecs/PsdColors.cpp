@@ -102,6 +102,23 @@ void RemoveWhiteFromLight(Bytes samples, Bytes alpha, std::span<std::uint8_t> ou
     }
 }
 
+template <std::size_t kBytes>
+std::int64_t CountTooDark(Bytes samples, Bytes alpha, std::size_t count) {
+    constexpr int kMost = kBytes == 1 ? 255 : 65535;
+    constexpr int kRounding = kMost / 255;
+    std::int64_t dark = 0;
+    for (std::size_t i = 0; i < count; ++i)
+        dark += SampleAt<kBytes>(samples, i) + SampleAt<kBytes>(alpha, i) + kRounding < kMost;
+    return dark;
+}
+
+std::int64_t CountTooDarkInLight(Bytes samples, Bytes alpha, std::size_t count) {
+    constexpr float kRounding = 0.004f;
+    std::int64_t dark = 0;
+    for (std::size_t i = 0; i < count; ++i) dark += FloatAt(samples, i) + FloatAt(alpha, i) + kRounding < 1;
+    return dark;
+}
+
 void Narrow16Bits(Bytes samples, std::span<std::uint8_t> out) {
     for (std::size_t i = 0; i < out.size(); ++i)
         out[i] = Narrow16(static_cast<std::uint32_t>(SampleAt<2>(samples, i)));
@@ -161,6 +178,20 @@ Bytes PsdColors::Narrow(Bytes samples, std::size_t count, ByteVector& narrow) co
         for (std::uint8_t& value : narrow) value = value ? 0 : 255;
     }
     return narrow;
+}
+
+std::int64_t PsdColors::CountTooDarkOnWhite(std::span<const Bytes> color, Bytes alpha,
+                                            std::size_t count) const {
+    if (alpha.empty()) return 0;
+    if (mode_ == PsdMode::Lab) color = color.first(1);  // tints are neither dark nor bright
+    std::int64_t dark = 0;
+    for (const Bytes samples : color) {
+        if (samples.empty()) continue;
+        if (depth_ == 8) dark += CountTooDark<1>(samples, alpha, count);
+        if (depth_ == 16) dark += CountTooDark<2>(samples, alpha, count);
+        if (depth_ == 32) dark += CountTooDarkInLight(samples, alpha, count);
+    }
+    return dark;
 }
 
 Bytes PsdColors::WithoutWhite(Bytes samples, Bytes alpha, int plane, std::size_t count,

@@ -37,6 +37,8 @@ class PsdColors {
     /// opaque.
     void ToPixels(std::span<const Bytes> color, Bytes alpha, Matte matte, std::span<Pixel> pixels,
                   Scratch& scratch) const;
+    /// Samples of a row that are darker than any colour of their alpha is on white; none without alpha.
+    std::int64_t CountTooDarkOnWhite(std::span<const Bytes> color, Bytes alpha, std::size_t count) const;
     /// Samples of alpha or of a mask to bytes.
     Bytes NarrowAlpha(Bytes samples, std::size_t count, ByteVector& narrow) const;
     /// The last step to sRGB, after layers were composed.
