@@ -49,6 +49,7 @@ bool MainForm::DisplayAccepted() {
 
 bool MainForm::Form_Load() {
     SetObjFalse();
+    SetCaption(session_.ProgramTitle);
     SetImageCommandsEnabled(false);
     if (!DisplayAccepted()) return false;
     {

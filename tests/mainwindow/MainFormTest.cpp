@@ -76,6 +76,7 @@ TEST_F(MainFormTest, ABadStartFolderIsToldAndTheOptionsOpenWhereItIsChanged) {
               Names{"Cannot switch to the Start Folder!\n\nPlease change the Start Folder to fix this "
                     "issue."});
     EXPECT_EQ(page, 1);
+    EXPECT_EQ(Caption(), "Tessara Pro v4.0") << "no folder has been entered";
     EXPECT_TRUE(form_->isVisible());
     EXPECT_FALSE(session_.StartFolderBad);
 }
