@@ -91,6 +91,13 @@ void SetU16(ByteVector& block, bool bigEndian, std::uint64_t position, std::uint
     block[position + (bigEndian ? 0 : 1)] = static_cast<std::uint8_t>(value >> 8);
 }
 
+void SetInteger(ByteVector& block, bool bigEndian, const Entry& entry, std::uint32_t value) {
+    const std::uint64_t low = entry.valuePosition + (bigEndian && entry.type == kLong ? 2 : 0);
+    const std::uint64_t high = entry.valuePosition + (bigEndian ? 0 : 2);
+    if (entry.type == kShort || entry.type == kLong) SetU16(block, bigEndian, low, value);
+    if (entry.type == kLong) SetU16(block, bigEndian, high, value >> 16);
+}
+
 /// Cuts the link to the second directory, and the thumbnail itself where it stands at the block's end.
 void RemoveThumbnail(ByteVector& block, ExifReader& reader, const Directory& first) {
     if (first.linkPosition == 0 || first.linkPosition + 4 > block.size()) return;
@@ -225,10 +232,26 @@ ByteVector UprightExif(Bytes block) {
     ByteVector upright(block.begin(), block.end());
     const Directory directory = ReadDirectory(reader, reader.U32(kDirectoryOffset));
     for (const Entry& entry : directory.entries)
-        if (entry.tag == kOrientation && entry.type == kShort)
-            SetU16(upright, reader.BigEndian(), entry.valuePosition, 1);
+        if (entry.tag == kOrientation) SetInteger(upright, reader.BigEndian(), entry, 1);
     RemoveThumbnail(upright, reader, directory);
     return upright;
+}
+
+ByteVector ExifOf(const Picture& picture) {
+    if (!picture.Meta().exif) return {};
+    ByteVector block = *picture.Meta().exif;
+    ExifReader reader(*picture.Meta().exif);
+    const auto set = [&](const Entry& entry, int side) {
+        SetInteger(block, reader.BigEndian(), entry, static_cast<std::uint32_t>(side));
+    };
+    for (const Entry& first : ReadDirectory(reader, reader.U32(kDirectoryOffset)).entries) {
+        if (first.tag != kPhotoDirectory) continue;
+        for (const Entry& entry : ReadDirectory(reader, IntegerOf(reader, first)).entries) {
+            if (entry.tag == kPixelWidth) set(entry, picture.Width());
+            if (entry.tag == kPixelHeight) set(entry, picture.Height());
+        }
+    }
+    return block;
 }
 
 void PlaceOriented(std::span<const Pixel> rows, int firstRow, int width, int height, int orientation,

@@ -23,6 +23,10 @@ ExifFields ReadExif(Bytes block);
 /// would still lie on its side. Empty where the block is none.
 ByteVector UprightExif(Bytes block);
 
+/// The block that a picture carries, as large in it as the picture is now: it may have been turned or
+/// resized. Empty where there is none.
+ByteVector ExifOf(const Picture& picture);
+
 /// An entry of a directory, with its values in little endian.
 struct ExifEntry {
     std::uint16_t tag, type;

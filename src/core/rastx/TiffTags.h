@@ -34,6 +34,8 @@ enum Tag : std::uint16_t {
     kCopyright = 33432,
     kPhotoDirectory = 34665,
     kPlaceDirectory = 34853,
+    kPixelWidth = 40962,
+    kPixelHeight = 40963,
 };
 enum Type : std::uint16_t { kShort = 3, kLong = 4, kRational = 5 };
 /// Bytes of a number of each type, and how many numbers make a value; from type 1 on.

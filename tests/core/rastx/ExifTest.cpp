@@ -63,6 +63,20 @@ TEST(Exif, AnUprightBlockLosesOnlyOrientationAndThumbnail) {
     EXPECT_EQ(reader.U32Le(), 0u) << "no second directory";
 }
 
+TEST(Exif, ABlockIsWrittenWithTheSizeOfItsPicture) {
+    constexpr const char* kWidth = "A002 0003 00000001 10000000 ";
+    constexpr const char* kHeight = "A003 0004 00000001 00010000";
+    Picture picture = Draw("RGB");
+    picture.SetMeta({{},
+                     std::make_shared<const ByteVector>(
+                         Hex("4D4D002A 00000008 0001 8769 0004 00000001 0000001A 00000000 0002" +
+                             std::string(kWidth) + kHeight + "00000000"))});
+    const std::vector<ExifEntry> photo = ReadExifDirectories(ExifOf(picture)).photo;
+    ASSERT_EQ(photo.size(), 2u);
+    EXPECT_EQ(photo[0].values, Hex("0300"));
+    EXPECT_EQ(photo[1].values, Hex("01000000"));
+}
+
 TEST(Exif, EntriesThatShareTheirBytesTakeNoMoreThanTheBlock) {
     constexpr std::uint32_t kMany = 1000, kPhoto = 34665, kUndefined = 7, kLong = 4;
     ByteWriter block;

@@ -447,9 +447,8 @@ void Writer::SetForm(const Picture& picture, const EncodeOptions& options) {
 }
 
 Result<void> Writer::Start(const Picture& picture, const EncodeOptions& options) {
-    ByteVector exif;
-    if (picture.Meta().exif)
-        exif = ByteWriter().Text(kExifSignature).Append(*picture.Meta().exif).TakeBytes();
+    ByteVector exif = ExifOf(picture);
+    if (!exif.empty()) exif = ByteWriter().Text(kExifSignature).Append(exif).TakeBytes();
     if (exif.size() > kLongestMarker - 2) exif.clear();
     return Checked(Guarded(errors_, [&] {
         jpeg_create_compress(&jpeg_);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "core/Multiversion.h"
+#include "core/rastx/Exif.h"
 #include "core/rastx/Rows.h"
 #include "core/rastx/codecs/Png.h"
 #include "core/rastx/codecs/PngFilter.h"
@@ -226,8 +227,8 @@ Result<void> WriteHead(ByteSink& sink, const Picture& picture, Form form) {
         const auto rounded = [](double value) { return static_cast<std::uint32_t>(std::llround(value)); };
         TRY(WriteChunk(sink, "pHYs", ByteWriter().U32Be(rounded(x)).U32Be(rounded(y)).U8(kMetre).Written()));
     }
-    if (metadata.exif) TRY(WriteChunk(sink, "eXIf", *metadata.exif));
-    return {};
+    const ByteVector exif = ExifOf(picture);
+    return exif.empty() ? Result<void>() : WriteChunk(sink, "eXIf", exif);
 }
 
 /// Deflates while the rows come, in chunks of a fixed size.

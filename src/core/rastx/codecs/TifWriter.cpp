@@ -165,7 +165,7 @@ Result<void> EncodeTif(const Picture& picture, const EncodeOptions&, ByteSink& s
     const Samples samples = SamplesFor(picture);
     TRY_ASSIGN(const Strips strips, WriteStrips(picture, samples, sink));
     TiffDirectory directory = Describe(picture, samples, strips);
-    if (const auto& exif = picture.Meta().exif) TRY(directory.Add(ReadExifDirectories(*exif), sink));
+    TRY(directory.Add(ReadExifDirectories(ExifOf(picture)), sink));
     return directory.WriteAsFirst(sink);
 }
 
