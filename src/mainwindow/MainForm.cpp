@@ -172,23 +172,31 @@ void MainForm::MakeBars() {
 }
 
 void MainForm::ConnectBar(int index) {
-    connect(FrameMOve_[index], &DragBar::MouseDown, this, [this, index] {
-        faces_.ShowGhost(index);
-        Apply(PictureBLKCHG_[index], faces_.PictureBLKCHG[index]);
-        PictureBLKCHG_[index]->show();
-        SplitterDrag_ = true;
-    });
+    connect(FrameMOve_[index], &DragBar::MouseDown, this, [this, index] { FrameMOve_MouseDown(index); });
     connect(FrameMOve_[index], &DragBar::MouseMove, this, [this, index](int x, int y) {
-        if (!SplitterDrag_) return;
-        faces_.MoveGhost(index, x * kTwipsPerPixel, y * kTwipsPerPixel);
-        Apply(PictureBLKCHG_[index], faces_.PictureBLKCHG[index]);
+        FrameMOve_MouseMove(index, x * kTwipsPerPixel, y * kTwipsPerPixel);
     });
-    connect(FrameMOve_[index], &DragBar::MouseUp, this, [this, index] {
-        SplitterDrag_ = false;
-        PictureBLKCHG_[index]->hide();
-        faces_.Drop(index);
-        ApplyFaces();
-    });
+    connect(FrameMOve_[index], &DragBar::MouseUp, this, [this, index] { FrameMOve_MouseUp(index); });
+}
+
+void MainForm::FrameMOve_MouseDown(int Index) {
+    faces_.ShowGhost(Index);
+    Apply(PictureBLKCHG_[Index], faces_.PictureBLKCHG[Index]);
+    PictureBLKCHG_[Index]->show();
+    SplitterDrag_ = true;
+}
+
+void MainForm::FrameMOve_MouseMove(int Index, int X, int Y) {
+    if (!SplitterDrag_) return;
+    faces_.MoveGhost(Index, X, Y);
+    Apply(PictureBLKCHG_[Index], faces_.PictureBLKCHG[Index]);
+}
+
+void MainForm::FrameMOve_MouseUp(int Index) {
+    SplitterDrag_ = false;
+    PictureBLKCHG_[Index]->hide();
+    faces_.Drop(Index);
+    ApplyFaces();
 }
 
 void MainForm::MakeStrip() {
@@ -259,7 +267,7 @@ void MainForm::PlaceStrip() {
 }
 
 bool MainForm::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == client_ && event->type() == QEvent::Resize && !session_.Starting) SetFaceS();
+    if (watched == client_ && event->type() == QEvent::Resize) Form_Resize();
     if (event->type() == QEvent::MouseMove) toolbar_->ToolbarMouseLeft();
     if (event->type() == QEvent::MouseButtonPress && (watched == Frametofile1_ || watched == Picturefrmfile_))
         PopMenu("CONVERT");
@@ -271,8 +279,16 @@ void MainForm::keyPressEvent(QKeyEvent* event) {
     QMainWindow::keyPressEvent(event);
 }
 
+void MainForm::Form_Paint() {
+    CheckPaste();  // the strip at the top paints itself
+}
+
+void MainForm::Form_Resize() {
+    if (!session_.Starting) SetFaceS();
+}
+
 void MainForm::paintEvent(QPaintEvent* event) {
-    CheckPaste();
+    Form_Paint();
     QMainWindow::paintEvent(event);
 }
 

@@ -157,6 +157,10 @@ class MainForm final : public QMainWindow,
     void MakePanes();
     void MakeBars();
     void ConnectBar(int index);
+    // X and Y in twips.
+    void FrameMOve_MouseDown(int Index);
+    void FrameMOve_MouseMove(int Index, int X, int Y);
+    void FrameMOve_MouseUp(int Index);
     void MakeStrip();
     void MakeBrowsing();
     void MakeEditing();
@@ -164,6 +168,8 @@ class MainForm final : public QMainWindow,
     void ConnectMenus();
     void WatchMouse();
     void CheckPaste();
+    void Form_Paint();
+    void Form_Resize();
     void ApplyFaces();
     void PlaceStrip();
 
