@@ -7,11 +7,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <memory>
 #include <random>
 #include <system_error>
 
+#include "core/HeldSignals.h"
+#include "core/WithinMemory.h"
+
 namespace tessara {
 namespace {
+
+constexpr char kOpenFiles[] = "/proc/self/fd/";
+constexpr mode_t kPermissions = 07777;
 
 class FileDescriptor {
   public:
@@ -103,54 +110,48 @@ Result<std::string> FollowLinks(std::string path) {
     return CannotWrite("too many symbolic links");
 }
 
-/// File systems that know no permissions show the same ones for every file, and refuse to set any.
-bool GivePermissions(int file, mode_t wanted) {
-    constexpr mode_t kPermissions = 07777;
-    struct stat made {};
-    if (fstat(file, &made) == 0 && ((made.st_mode ^ wanted) & kPermissions) == 0) return true;
-    return fchmod(file, wanted & kPermissions) == 0;
-}
-
 std::string TemporaryName(const std::filesystem::path& folder) {
     thread_local std::mt19937_64 random{std::random_device{}()};
     return (folder / (".tessara-" + std::to_string(random()) + ".tmp")).string();
 }
 
 /// A new file that has no name until it is complete where the system can do that, so that even a killed
-/// process leaves nothing behind.
+/// process leaves nothing behind. While it has one that is not the target's, only SIGKILL leaves it there.
 struct NewFile {
+    std::unique_ptr<HeldSignals> held;
     FileDescriptor file;
     std::string temporaryName;  ///< empty while the file has no name
 
     static Result<NewFile> Make(const std::filesystem::path& folder) {
         constexpr mode_t kMode = 0666;  // less the user's mask
         NewFile made;
-        made.file = FileDescriptor(
-            open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
+        if (access(kOpenFiles, X_OK) == 0)
+            made.file = FileDescriptor(
+                open(folder.empty() ? "." : folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, kMode));
         if (made.file.Valid()) return made;
-        made.temporaryName = TemporaryName(folder);
-        made.file =
-            FileDescriptor(open(made.temporaryName.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kMode));
-        if (!made.file.Valid()) {
-            made.temporaryName.clear();
-            return CannotWrite(SystemMessage());
-        }
+        made.held = std::make_unique<HeldSignals>();
+        const std::string name = TemporaryName(folder);
+        made.file = FileDescriptor(open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, kMode));
+        if (!made.file.Valid()) return CannotWrite(SystemMessage());
+        made.temporaryName = name;
         return made;
     }
 
     bool GiveName(const std::string& name) {
-        const std::string self = "/proc/self/fd/" + std::to_string(file.Number());
+        const std::string self = kOpenFiles + std::to_string(file.Number());
         return linkat(AT_FDCWD, self.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
     }
 
     Result<void> MoveTo(const std::string& target, bool replaces) {
         if (temporaryName.empty()) {
             if (!replaces && GiveName(target)) return {};
+            held = std::make_unique<HeldSignals>();
             const std::string name = TemporaryName(std::filesystem::path(target).parent_path());
             if (!GiveName(name)) return CannotWrite(SystemMessage());
             temporaryName = name;
         }
-        if (rename(temporaryName.c_str(), target.c_str()) != 0) return CannotWrite(SystemMessage());
+        if (!file.Close() || rename(temporaryName.c_str(), target.c_str()) != 0)
+            return CannotWrite(SystemMessage());
         temporaryName.clear();
         return {};
     }
@@ -161,6 +162,38 @@ struct NewFile {
         if (!temporaryName.empty()) unlink(temporaryName.c_str());
     }
 };
+
+/// Gives a file the permissions and, where the user may do so, the owner of the one that it will replace.
+bool BecomeLike(const struct stat& old, int file) {
+    struct stat made {};
+    if (fstat(file, &made) != 0) return false;
+    // Where a file system has no permissions all files are alike, and it may refuse to be told any.
+    const bool alike = ((made.st_mode ^ old.st_mode) & kPermissions) == 0;
+    if (!alike && fchmod(file, old.st_mode & kPermissions) != 0) return false;
+    // Only a privileged user may give files away; anybody else becomes the owner of what he wrote.
+    [[maybe_unused]] const int ownerKept = fchown(file, old.st_uid, old.st_gid);
+    return true;
+}
+
+Result<void> Replace(const std::string& path, const std::function<Result<void>(ByteSink&)>& write) {
+    TRY_ASSIGN(const std::string target, FollowLinks(path));
+    struct stat old {};
+    const bool replaces = stat(target.c_str(), &old) == 0;
+    if (replaces && !S_ISREG(old.st_mode)) {
+        FileDescriptor device(open(target.c_str(), O_WRONLY | O_CLOEXEC));
+        if (!device.Valid()) return CannotWrite(SystemMessage());
+        return WriteThrough(device.Number(), write);
+    }
+    // Moving a file over another asks only whether the folder may be changed.
+    if (replaces && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
+        return CannotWrite(SystemMessage());
+    TRY_ASSIGN(NewFile made, NewFile::Make(std::filesystem::path(target).parent_path()));
+    TRY(WriteThrough(made.file.Number(), write));
+    // The old file is given up only when the new one would survive a power cut.
+    if (replaces && (!BecomeLike(old, made.file.Number()) || fdatasync(made.file.Number()) != 0))
+        return CannotWrite(SystemMessage());
+    return made.MoveTo(target, replaces);
+}
 
 }  // namespace
 
@@ -198,29 +231,7 @@ bool IsNormalFile(const std::string& path) {
 }
 
 Result<void> ReplaceFile(const std::string& path, const std::function<Result<void>(ByteSink&)>& write) {
-    TRY_ASSIGN(const std::string target, FollowLinks(path));
-    struct stat old {};
-    const bool replaces = stat(target.c_str(), &old) == 0;
-    if (replaces && !S_ISREG(old.st_mode)) {
-        FileDescriptor device(open(target.c_str(), O_WRONLY | O_CLOEXEC));
-        if (!device.Valid()) return CannotWrite(SystemMessage());
-        return WriteThrough(device.Number(), write);
-    }
-    // Moving a file over another asks only whether the folder may be changed.
-    if (replaces && faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0)
-        return CannotWrite(SystemMessage());
-    TRY_ASSIGN(NewFile made, NewFile::Make(std::filesystem::path(target).parent_path()));
-    TRY(WriteThrough(made.file.Number(), write));
-    if (replaces) {
-        // The old file is given up only when the new one would survive a power cut.
-        if (!GivePermissions(made.file.Number(), old.st_mode) || fdatasync(made.file.Number()) != 0)
-            return CannotWrite(SystemMessage());
-        // Only a privileged user may give files away; anybody else becomes the owner of what he wrote.
-        [[maybe_unused]] const int ownerKept = fchown(made.file.Number(), old.st_uid, old.st_gid);
-    }
-    TRY(made.MoveTo(target, replaces));
-    if (!made.file.Close()) return CannotWrite(SystemMessage());
-    return {};
+    return WithinMemory([&] { return Replace(path, write); });
 }
 
 }  // namespace tessara

@@ -28,7 +28,8 @@ bool IsNormalFile(const std::string& path);
 
 /// Writes a file through `write` so that `path` holds either the whole new file or what it held before. A
 /// path that is a symbolic link is written through, and an existing file keeps its permissions; one that is
-/// protected against writing is a failure. Devices and pipes are written to directly.
+/// protected against writing is a failure, and so is a `write` that finds no memory. Devices and pipes are
+/// written to directly.
 Result<void> ReplaceFile(const std::string& path, const std::function<Result<void>(ByteSink&)>& write);
 
 }  // namespace tessara

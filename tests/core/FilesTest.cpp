@@ -7,7 +7,9 @@
 
 #include <csignal>
 #include <filesystem>
+#include <new>
 
+#include "core/HeldSignals.h"
 #include "tests/Support.h"
 
 namespace tessara {
@@ -41,18 +43,41 @@ TEST(ReplaceFile, MakesANewFileAndReplacesAnOldOne) {
 TEST(ReplaceFile, AFailedSaveLeavesWhatWasThere) {
     const test::TemporaryFolder folder;
     const std::string path = folder.File("a.bmp");
-    const auto fail = [](ByteSink& sink) -> Result<void> {
-        TRY(WriteText(sink, "half of it"));
-        return CannotWrite("the encoder gave up");
+    const std::function<Result<void>()> failures[] = {
+        [] { return CannotWrite("the encoder gave up"); },
+        []() -> Result<void> { throw std::bad_alloc(); },
     };
-    EXPECT_FALSE(ReplaceFile(path, fail));
-    EXPECT_EQ(FilesIn(folder.Path()), 0u);
-    test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "old"); }));
-    EXPECT_FALSE(ReplaceFile(path, fail));
-    EXPECT_EQ(Text(path), "old");
-    EXPECT_EQ(FilesIn(folder.Path()), 1u);
-    EXPECT_FALSE(
-        ReplaceFile(folder.File("missing/a.bmp"), [](ByteSink& sink) { return WriteText(sink, "x"); }));
+    for (const auto& failure : failures) {
+        const auto fail = [&](ByteSink& sink) -> Result<void> {
+            TRY(WriteText(sink, "half of it"));
+            return failure();
+        };
+        EXPECT_FALSE(ReplaceFile(path, fail));
+        EXPECT_EQ(FilesIn(folder.Path()), 0u);
+        test::Must(ReplaceFile(path, [](ByteSink& sink) { return WriteText(sink, "old"); }));
+        EXPECT_FALSE(ReplaceFile(path, fail));
+        EXPECT_EQ(Text(path), "old");
+        EXPECT_EQ(FilesIn(folder.Path()), 1u);
+        fs::remove(path);
+    }
+}
+
+TEST(ReplaceFile, AFolderThatIsNotThereIsAFailure) {
+    const test::TemporaryFolder folder;
+    const auto write = [](ByteSink& sink) { return WriteText(sink, "x"); };
+    EXPECT_FALSE(ReplaceFile(folder.File("missing/a.bmp"), write));
+    // One that goes, or becomes a file, while the picture is being written.
+    const std::string target = folder.File("goes");
+    for (const bool becomesFile : {false, true}) {
+        fs::create_directory(target);
+        EXPECT_FALSE(ReplaceFile(target + "/a.bmp", [&](ByteSink& sink) {
+            fs::remove(target);
+            if (becomesFile) test::WriteWhole(target, AsBytes("a file"));
+            return WriteText(sink, "x");
+        }));
+        EXPECT_EQ(fs::exists(target), becomesFile);
+    }
+    EXPECT_EQ(Text(target), "a file");
 }
 
 // A full disk, made by a limit on the size of files: the write in the middle of the save fails.
@@ -133,6 +158,20 @@ TEST(ReplaceFile, OverwritesBytesAlreadyWritten) {
     EXPECT_EQ(text.size(), (std::size_t{1} << 20) + 7);
     EXPECT_EQ(text.substr(0, 6), "?ab?xx");
     EXPECT_EQ(text.substr(text.size() - 4), "xend");
+}
+
+TEST(HeldSignals, WaitUntilTheWorkIsDone) {
+    const test::TemporaryFolder folder;
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const std::string path = folder.File(std::to_string(signal));
+        const auto work = [&] {
+            const HeldSignals held;
+            raise(signal);
+            test::WriteWhole(path, AsBytes("whole"));
+        };
+        EXPECT_EXIT(work(), testing::KilledBySignal(signal), "");
+        EXPECT_EQ(Text(path), "whole");
+    }
 }
 
 TEST(FileBytes, AFolderOrAMissingFileIsAFailure) {
