@@ -202,6 +202,14 @@ TemporaryFolder::~TemporaryFolder() {
     std::filesystem::remove_all(path_, ignored);
 }
 
+NoMoreThreads::NoMoreThreads() {
+    constexpr std::size_t kMoreThanThereIs = std::size_t{1} << 50;
+    pthread_getattr_default_np(&usual_);
+    pthread_attr_t endless = usual_;
+    pthread_attr_setstacksize(&endless, kMoreThanThereIs);
+    pthread_setattr_default_np(&endless);
+}
+
 ByteVector ReadWhole(const std::string& path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream) throw std::runtime_error("cannot read " + path);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <initializer_list>
 #include <string>
@@ -69,6 +70,18 @@ class TemporaryFolder {
 
   private:
     std::string path_;
+};
+
+/// While one lives, the system gives no thread.
+class NoMoreThreads {
+  public:
+    NoMoreThreads();
+    ~NoMoreThreads() { pthread_setattr_default_np(&usual_); }
+    NoMoreThreads(const NoMoreThreads&) = delete;
+    NoMoreThreads& operator=(const NoMoreThreads&) = delete;
+
+  private:
+    pthread_attr_t usual_;
 };
 
 ByteVector ReadWhole(const std::string& path);

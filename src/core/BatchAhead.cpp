@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <future>
 #include <new>
+#include <system_error>
 #include <thread>
 
 #include "core/Files.h"
+#include "core/HeldSignals.h"
 #include "core/Paths.h"
+#include "core/WithinMemory.h"
 
 namespace tessara {
 namespace {
@@ -56,10 +59,7 @@ Result<ByteVector> EncodePicture(const Picture& picture, const BatchAhead::Encod
 /// None where a step fails or memory ends: then it is taken in its turn, with the means of then.
 template <typename Step>
 auto Try(const Step& step) -> std::optional<std::decay_t<decltype(step().Value())>> {
-    try {
-        if (auto result = step()) return std::move(result).Value();
-    } catch (const std::bad_alloc&) {
-    }
+    if (auto result = WithinMemory(step)) return std::move(result).Value();
     return std::nullopt;
 }
 
@@ -74,6 +74,8 @@ class BatchAhead::Work {
   public:
     explicit Work(Source source) : source_(std::move(source)), made_(source_.encodings.size()) {
         for (auto& promise : made_) encoded_.push_back(promise.get_future());
+        // A signal that came to this thread would not wait for the one that saves.
+        const HeldSignals held;
         thread_ = std::jthread([this](const std::stop_token& stop) { Run(stop); });
     }
 
@@ -126,11 +128,19 @@ BatchAhead::~BatchAhead() {
 void BatchAhead::StartWork() {
     while (next_ && ahead_.size() < depth_) {
         std::optional<Source> source = next_();
-        if (source)
-            ahead_.push_back(std::make_unique<Work>(std::move(*source)));
-        else
-            next_ = {};
+        if (!source || !TryStart(std::move(*source))) next_ = {};
     }
+}
+
+/// Where the system gives no thread or no memory, the job goes on alone.
+bool BatchAhead::TryStart(Source source) {
+    try {
+        ahead_.push_back(std::make_unique<Work>(std::move(source)));
+        return true;
+    } catch (const std::system_error&) {
+    } catch (const std::bad_alloc&) {
+    }
+    return false;
 }
 
 Result<void> BatchAhead::LoadImage(Rastx& pane, const std::string& path) {

@@ -41,6 +41,7 @@ class BatchAhead {
     class Work;
 
     void StartWork();
+    bool TryStart(Source source);
 
     Next next_;
     int threads_;

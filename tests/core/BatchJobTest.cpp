@@ -379,6 +379,16 @@ TEST_P(BatchJobTest, AFailureNeitherStopsTheJobNorHarmsAFile) {
     EXPECT_EQ(counts_.back(), "2 files converted! 2 files created!");
 }
 
+TEST_P(BatchJobTest, WithoutThreadsTheJobIsDoneAllTheSame) {
+    const test::NoMoreThreads none;
+    Source("a.bmp", "RG");
+    Source("b.bmp", "GB");
+    options_.ConvertScope = 2;
+    Export({".png"});
+    Run();
+    EXPECT_EQ(test::Sketch(Load("a.png")) + test::Sketch(Load("b.png")), "RGGB");
+}
+
 TEST_P(BatchJobTest, ASourceThatTheJobItselfWritesIsReadAfterwards) {
     // The first takes a while, in which the second could be read too early.
     constexpr int kSide = 500;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "core/Text.h"
+#include "core/WithinMemory.h"
 #include "core/rastx/codecs/Bmp.h"
 #include "core/rastx/codecs/Emf.h"
 #include "core/rastx/codecs/Gif.h"
@@ -111,9 +112,11 @@ const Codec* FindCodec(Bytes file, std::string_view extension) {
 }
 
 Result<Picture> DecodeFile(Bytes file, std::string_view extension, const DecodeOptions& options) {
-    const Codec* codec = FindCodec(file, extension);
-    if (!codec) return Unsupported("the file is of no known format");
-    return codec->decode(file, options);
+    return WithinMemory([&]() -> Result<Picture> {
+        const Codec* codec = FindCodec(file, extension);
+        if (!codec) return Unsupported("the file is of no known format");
+        return codec->decode(file, options);
+    });
 }
 
 }  // namespace tessara

@@ -40,7 +40,7 @@ const Pixel* Picture::data() const {
 std::span<Pixel> Picture::MutablePixels() {
     if (buffer_ && buffer_.use_count() > 1) {
         auto own = std::make_shared<LargeBuffer>(PixelCount() * sizeof(Pixel));
-        // Without memory for a copy the process cannot go on in any useful way.
+        // Whoever writes to pixels could not say so to its caller; those further up can.
         if (!own->Valid()) throw std::bad_alloc();
         std::copy_n(buffer_->Data(), buffer_->Size(), own->Data());
         buffer_ = std::move(own);

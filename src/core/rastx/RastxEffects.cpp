@@ -1,6 +1,7 @@
 #include <type_traits>
 #include <utility>
 
+#include "core/WithinMemory.h"
 #include "core/rastx/Rastx.h"
 #include "core/rastx/effects/Buttons.h"
 #include "core/rastx/effects/Convolution.h"
@@ -24,10 +25,15 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
     if (picture_.Empty()) return BadArgument("there is no picture");
     const effects::EffectRun run = StartRun();
     if constexpr (std::is_invocable_r_v<Picture, Effect, Picture, Arguments..., effects::EffectRun>) {
-        // Such an effect cannot fail, and works in place on a picture that is handed over.
-        picture_ = effect(picture_.TakeWhole(), arguments..., run);
+        // Such an effect works in place on a picture that is handed over. One that is shared it copies, and
+        // comes to nothing where there is no memory for that.
+        const Picture before = Image().Shared() ? Image() : Picture();
+        auto changed = WithinMemory(
+            [&]() -> Result<Picture> { return effect(picture_.TakeWhole(), arguments..., run); });
+        picture_ = changed ? std::move(changed).Value() : before;
+        if (!changed) return changed.Error();
     } else {
-        TRY_ASSIGN(picture_, effect(Image(), arguments..., run));
+        TRY_ASSIGN(picture_, WithinMemory([&] { return effect(Image(), arguments..., run); }));
     }
     PictureChanged();
     return {};
@@ -35,7 +41,7 @@ Result<void> Rastx::Change(Effect effect, Arguments... arguments) {
 
 Result<void> Rastx::Run(const effects::Effect& effect, const effects::ArgumentValues& arguments) {
     if (picture_.Empty()) return BadArgument("there is no picture");
-    TRY_ASSIGN(picture_, effect.apply(Image(), arguments, StartRun()));
+    TRY_ASSIGN(picture_, WithinMemory([&] { return effect.apply(Image(), arguments, StartRun()); }));
     PictureChanged();
     return {};
 }

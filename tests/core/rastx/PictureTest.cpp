@@ -1,7 +1,11 @@
 #include "core/rastx/Picture.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
+#include <fstream>
+#include <functional>
 #include <random>
 
 #include "core/rastx/Rastx.h"
@@ -11,6 +15,20 @@
 
 namespace tessara {
 namespace {
+
+/// Takes a step while the process may not become larger by more than a few megabytes.
+Result<void> WithoutMemory(const std::function<Result<void>()>& step) {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit usual{};
+    getrlimit(RLIMIT_AS, &usual);
+    rlimit small = usual;
+    small.rlim_cur = pages * static_cast<rlim_t>(getpagesize()) + (rlim_t{4} << 20);
+    setrlimit(RLIMIT_AS, &small);
+    const Result<void> result = step();
+    setrlimit(RLIMIT_AS, &usual);
+    return result;
+}
 
 TEST(Picture, CopiesShareUntilOneIsWrittenTo) {
     const Picture first = test::Draw("KW WK");
@@ -181,6 +199,27 @@ TEST(Rastx, AFailingLoadOrSaveChangesNothing) {
     EXPECT_EQ(test::Sketch(pane.Image()), "KW");
     EXPECT_FALSE(pane.SavePng(folder.File("no/such/folder.png")));
 }
+
+// Under the address sanitizer there is no end to the memory that a process may want.
+#ifndef __SANITIZE_ADDRESS__
+TEST(Rastx, AnEffectWithoutMemoryChangesNothing) {
+    constexpr int kSide = 4096;
+    Rastx pane;
+    pane.SetImage(test::Must(Picture::Create(kSide, kSide, Grey(100), Alpha::None)));
+    const Picture shared = pane.Image();
+    const Result<void> done[] = {WithoutMemory([&] { return pane.FxNegative(); }),
+                                 WithoutMemory([&] { return pane.FxBlur(); }),
+                                 WithoutMemory([&] { return pane.FxRotate(30, 0); }),
+                                 WithoutMemory([&] { return pane.Resample(kSide / 2, kSide, false); })};
+    for (const Result<void>& result : done) {
+        ASSERT_FALSE(result);
+        EXPECT_EQ(result.Error().kind, FailureKind::TooBig);
+    }
+    EXPECT_EQ(pane.Image().Pixels().data(), shared.Pixels().data());
+    test::Must(pane.FxNegative());
+    EXPECT_EQ(pane.Image().At(0, 0), Grey(155));
+}
+#endif
 
 }  // namespace
 }  // namespace tessara

@@ -14,7 +14,7 @@ Result<Picture> CreateLike(const Picture& picture, int width, int height) {
 Canvas::Canvas(Picture picture) {
     if (picture.Shared()) {
         auto target = CreateLike(picture, picture.Width(), picture.Height());
-        // As with any picture that is written to: without memory for it the process cannot go on.
+        // As with any picture that is written to.
         if (!target) throw std::bad_alloc();
         targetPicture_ = std::move(target).Value();
         sourcePicture_ = std::move(picture);

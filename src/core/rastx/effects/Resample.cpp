@@ -7,6 +7,7 @@
 
 #include "core/Multiversion.h"
 #include "core/Parallel.h"
+#include "core/WithinMemory.h"
 
 // Both axes are filtered one after the other: for each row of the result the source rows are summed up into
 // one line of floats, then that line is filtered along the row. All memory is one such line per thread.
@@ -335,12 +336,14 @@ Result<Picture> ResamplePart(const Picture& picture, int width, int height, cons
     TRY_ASSIGN(Picture target,
                Picture::Create(part.width, part.height, picture.HasAlpha() ? Alpha::Straight : Alpha::None));
     target.SetMeta(picture.Meta());
-    Axis columns = ChooseAxis(picture.Width(), width, quality);
-    Axis rows = ChooseAxis(picture.Height(), height, quality);
-    CutOut(columns, part.x, part.width);
-    CutOut(rows, part.y, part.height);
-    MakeRows(picture, columns, rows, threads, target);
-    return target;
+    return WithinMemory([&]() -> Result<Picture> {
+        Axis columns = ChooseAxis(picture.Width(), width, quality);
+        Axis rows = ChooseAxis(picture.Height(), height, quality);
+        CutOut(columns, part.x, part.width);
+        CutOut(rows, part.y, part.height);
+        MakeRows(picture, columns, rows, threads, target);
+        return std::move(target);
+    });
 }
 
 }  // namespace tessara
