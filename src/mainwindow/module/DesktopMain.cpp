@@ -1,11 +1,13 @@
-#include <QApplication>
 #include <QClipboard>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 #include "artwork/Artwork.h"
+#include "core/HeldSignals.h"
 #include "core/ProgramFolders.h"
 #include "desktop/AppFolder.h"
+#include "desktop/Application.h"
 #include "desktop/ClipboardCarrier.h"
 #include "desktop/DesktopScreen.h"
 #include "desktop/DesktopShell.h"
@@ -76,7 +78,10 @@ extern "C" __attribute__((visibility("default"))) int TessaraDesktopMain(int cou
         std::fputs("The window cannot be opened: there is no display.\n", stderr);
         return EXIT_FAILURE;
     }
-    const QApplication application(count, arguments);
+    // The toolkit's own threads leave signals to this one, which makes them wait while it saves.
+    std::optional<tessara::HeldSignals> held(std::in_place);
+    const tessara::Application application(count, arguments);
+    held.reset();
     const tessara::SingleInstance instance(tessara::InstanceLockFile());
     if (!instance.IsFirst()) return EXIT_SUCCESS;
     tessara::SetUpApplication();
