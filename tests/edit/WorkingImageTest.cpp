@@ -38,8 +38,7 @@ ByteVector IconFile(int width, int height, int bits) {
     writer.U32Le(u32(sizes.total)).U32Le(22);
     writer.U32Le(40).U32Le(u32(width)).U32Le(u32(height * 2)).U16Le(1).U16Le(u32(bits));
     writer.Zeros(24);
-    if (bits == 8)
-        for (int i = 0; i < 256; ++i) writer.U8(30).U8(20).U8(10).U8(0);
+    for (int i = 0; bits <= 8 && i < 1 << bits; ++i) writer.U8(30).U8(20).U8(10).U8(0);
     for (int y = 0; y < height; ++y) {
         const std::size_t start = writer.Size();
         for (int x = 0; x < width && bits >= 24; ++x) {
@@ -115,6 +114,8 @@ TEST_F(WorkingImages, IconsTakeTheirRouteBySizeAndDepth) {
         {"copied.ico", 97, 40, 24, true, false, color},
         {"copied8.ico", 128, 128, 8, true, false, color},
         {"copied alpha.ico", 128, 128, 32, true, false, color},
+        {"copied4.ico", 99, 40, 4, true, false, color},
+        {"copied1.ico", 99, 40, 1, true, false, color},
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
@@ -147,7 +148,7 @@ TEST(IconBitmap, LargeIconsBecomeBitmapsByTheirBytes) {
         int bits;
         std::uint16_t offset;
     };
-    for (const Case& row : {Case{8, 1078}, {24, 54}, {32, 54}}) {
+    for (const Case& row : {Case{1, 62}, {4, 118}, {8, 1078}, {24, 54}, {32, 54}}) {
         std::string source = folder.File("a.ico");
         test::WriteWhole(source, IconFile(128, 128, row.bits));
         bool converted = false;
@@ -161,7 +162,7 @@ TEST(IconBitmap, LargeIconsBecomeBitmapsByTheirBytes) {
         reader.Seek(10);
         EXPECT_EQ(reader.U16Le(), row.offset) << row.bits;
         reader.Seek(28);
-        EXPECT_EQ(reader.U16Le(), row.bits == 8 ? 8 : 24) << row.bits;
+        EXPECT_EQ(reader.U16Le(), row.bits <= 8 ? row.bits : 24) << row.bits;
         reader.Seek(34);
         EXPECT_EQ(reader.U32Le(), bitmap.size() - row.offset) << row.bits;
     }

@@ -1,35 +1,21 @@
 #include "core/rastx/ColorProfile.h"
 
-#include <lcms2.h>
-
 #include <array>
 
 #include "tests/Support.h"
+#include "tests/core/rastx/Profiles.h"
 
 namespace tessara {
 namespace {
 
-ByteVector SaveAndClose(cmsHPROFILE profile) {
-    cmsUInt32Number size = 0;
-    cmsSaveProfileToMem(profile, nullptr, &size);
-    ByteVector bytes(size);
-    cmsSaveProfileToMem(profile, bytes.data(), &size);
-    cmsCloseProfile(profile);
-    return bytes;
-}
+using test::GreyProfile;
+using test::SaveAndClose;
 
 ByteVector RgbProfile(double gamma, cmsCIExyYTRIPLE primaries) {
     const cmsCIExyY white{0.3127, 0.3290, 1};
     cmsToneCurve* curve = cmsBuildGamma(nullptr, gamma);
     cmsToneCurve* const curves[] = {curve, curve, curve};
     const ByteVector bytes = SaveAndClose(cmsCreateRGBProfile(&white, &primaries, curves));
-    cmsFreeToneCurve(curve);
-    return bytes;
-}
-
-ByteVector GreyProfile(double gamma) {
-    cmsToneCurve* curve = cmsBuildGamma(nullptr, gamma);
-    const ByteVector bytes = SaveAndClose(cmsCreateGrayProfile(cmsD50_xyY(), curve));
     cmsFreeToneCurve(curve);
     return bytes;
 }

@@ -5,6 +5,7 @@
 #include "core/ByteReader.h"
 #include "core/ByteSink.h"
 #include "tests/Support.h"
+#include "tests/core/rastx/Profiles.h"
 
 namespace tessara {
 namespace {
@@ -37,6 +38,10 @@ ByteVector File(std::string_view header, const ByteVector& chunks, std::string_v
                               Chunk("IDAT", Stored(Hex(rows))), Chunk("IEND", {})});
 }
 
+ByteVector ProfileChunk(const ByteVector& icc) {
+    return Chunk("iCCP", test::Concatenate({Hex("61 00 00"), Stored(icc)}));
+}
+
 Picture Read(const ByteVector& file) {
     return Must(DecodePng(file, {}));
 }
@@ -50,6 +55,10 @@ TEST(Png, FormsThatAreRarelyMetAreRead) {
         {"grey of 1 bit with a transparent level",
          File("00000003 00000001 0100000000", Chunk("tRNS", Hex("0001")), "00 40"), "K.K"},
         {"grey of 2 bits", File("00000003 00000001 0200000000", {}, "00 0C"), "KKW"},
+        {"a profile of linear grey",
+         File("00000003 00000001 0800000000", ProfileChunk(test::GreyProfile(1)), "00 0029FF"), "K4W"},
+        {"no profile where one should be",
+         File("00000002 00000001 0800000000", ProfileChunk(Hex("41 42 43")), "00 1CFF"), "1W"},
         {"grey of 16 bits", File("00000002 00000001 1000000000", {}, "00 1C1CFFFF"), "1W"},
         {"a transparent colour of 8 bits",
          File("00000002 00000001 0802000000", Chunk("tRNS", Hex("00FF00000000")), "00 FF0000 FFFFFF"), ".W"},
