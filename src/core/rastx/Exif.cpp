@@ -137,14 +137,22 @@ bool Describes(std::uint32_t tag) {
     return std::ranges::find(kTags, tag) != std::end(kTags);
 }
 
-std::vector<ExifEntry> ReadEntries(Bytes block, ExifReader& reader, std::uint64_t position,
+std::vector<ExifEntry> ReadEntries(Bytes block, ExifReader& reader, const std::vector<Entry>& entries,
                                    std::uint64_t& room) {
     constexpr std::uint32_t kInteroperability = 40965;  // a directory of its own that nothing needs
-    std::vector<ExifEntry> entries;
-    for (const Entry& entry : ReadDirectory(reader, position).entries)
+    std::vector<ExifEntry> read;
+    for (const Entry& entry : entries)
         if (entry.tag != kInteroperability)
-            if (auto read = ReadEntry(block, reader, entry, room)) entries.push_back(std::move(*read));
-    return entries;
+            if (auto one = ReadEntry(block, reader, entry, room)) read.push_back(std::move(*one));
+    return read;
+}
+
+/// The directory that an entry of the first one points to. Of several entries one counts: to follow them all
+/// could take hours in a hostile block.
+std::vector<Entry> ReadOwnDirectory(ExifReader& reader, const Directory& first, Tag tag) {
+    const auto entry = std::ranges::find(first.entries, std::uint32_t{tag}, &Entry::tag);
+    if (entry == first.entries.end()) return {};
+    return ReadDirectory(reader, IntegerOf(reader, *entry)).entries;
 }
 
 /// Where pixel (x, y) of a stored picture belongs: at origin + x * alongX + y * alongY of the upright one.
@@ -214,15 +222,12 @@ ExifDirectories ReadExifDirectories(Bytes block) {
     if (!reader.Valid()) return directories;
     // Any number of entries can claim the same bytes of a hostile block.
     std::uint64_t room = std::min<std::uint64_t>(block.size(), kLargestExif);
-    for (const Entry& entry : ReadDirectory(reader, reader.U32(kDirectoryOffset)).entries) {
-        if (entry.tag == kPhotoDirectory)
-            directories.photo = ReadEntries(block, reader, IntegerOf(reader, entry), room);
-        else if (entry.tag == kPlaceDirectory)
-            directories.place = ReadEntries(block, reader, IntegerOf(reader, entry), room);
-        else if (Describes(entry.tag))
-            if (auto read = ReadEntry(block, reader, entry, room))
-                directories.image.push_back(std::move(*read));
-    }
+    const Directory first = ReadDirectory(reader, reader.U32(kDirectoryOffset));
+    std::vector<Entry> describing = first.entries;
+    std::erase_if(describing, [](const Entry& entry) { return !Describes(entry.tag); });
+    directories.image = ReadEntries(block, reader, describing, room);
+    directories.photo = ReadEntries(block, reader, ReadOwnDirectory(reader, first, kPhotoDirectory), room);
+    directories.place = ReadEntries(block, reader, ReadOwnDirectory(reader, first, kPlaceDirectory), room);
     return directories;
 }
 
@@ -244,12 +249,10 @@ ByteVector ExifOf(const Picture& picture) {
     const auto set = [&](const Entry& entry, int side) {
         SetInteger(block, reader.BigEndian(), entry, static_cast<std::uint32_t>(side));
     };
-    for (const Entry& first : ReadDirectory(reader, reader.U32(kDirectoryOffset)).entries) {
-        if (first.tag != kPhotoDirectory) continue;
-        for (const Entry& entry : ReadDirectory(reader, IntegerOf(reader, first)).entries) {
-            if (entry.tag == kPixelWidth) set(entry, picture.Width());
-            if (entry.tag == kPixelHeight) set(entry, picture.Height());
-        }
+    const Directory first = ReadDirectory(reader, reader.U32(kDirectoryOffset));
+    for (const Entry& entry : ReadOwnDirectory(reader, first, kPhotoDirectory)) {
+        if (entry.tag == kPixelWidth) set(entry, picture.Width());
+        if (entry.tag == kPixelHeight) set(entry, picture.Height());
     }
     return block;
 }

@@ -90,6 +90,17 @@ TEST(Exif, EntriesThatShareTheirBytesTakeNoMoreThanTheBlock) {
     EXPECT_EQ(taken, 10'000u) << "two of them fit into the 12030 bytes of the block";
 }
 
+// A block of thousands of such entries, each for a directory as long, would take minutes.
+TEST(Exif, OfSeveralEntriesForADirectoryOneIsFollowed) {
+    const ByteVector block =
+        Hex("4D4D002A 00000008 0002 8769 0004 00000001 00000026 8769 0004 00000001 00000038 00000000"
+            "0001 0001 0003 00000001 00070000 00000000"
+            "0001 0002 0003 00000001 00080000 00000000");
+    const std::vector<ExifEntry> photo = ReadExifDirectories(block).photo;
+    ASSERT_EQ(photo.size(), 1u);
+    EXPECT_EQ(photo[0].tag, 1);
+}
+
 TEST(Exif, OrientationsTurnThePictureUpright) {
     const Picture stored = Draw("RGB KWY");
     const struct {
