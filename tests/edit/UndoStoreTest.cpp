@@ -95,6 +95,7 @@ TEST_F(UndoStoreTest, KeepsTheHistory) {
 
 TEST_F(UndoStoreTest, KillEmptiesTheFolderAndKeepsIt) {
     Do("12");
+    EXPECT_TRUE(fs::exists(recorded_.folder.File("Undo/1.bmp")));
     test::WriteWhole(recorded_.folder.File("Undo/left over.txt"), {});
     store_.UndoRefresh("KILL");
     EXPECT_EQ(State(), "0/0 p 2  --");

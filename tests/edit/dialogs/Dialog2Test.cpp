@@ -18,6 +18,7 @@ class Dialog2Test : public testing::Test {
     Session& session_ = recorded_.session;
     ScriptedPrompts prompts_;
     std::unique_ptr<Dialog2> dialog_;
+    ColorNumber pickedColor_ = -1;  ///< in the transparent colour's dialog
 
     void Restart(const Picture& picture) {
         recorded_.exportPane.SetImage(picture);
@@ -34,7 +35,11 @@ class Dialog2Test : public testing::Test {
     }
     void Open(int code) {
         session_.EffectCode = code;
-        dialog_ = std::make_unique<Dialog2>(Dialog2::Surroundings{recorded_.editor, prompts_}, nullptr);
+        dialog_ = std::make_unique<Dialog2>(
+            Dialog2::Surroundings{.editor = recorded_.editor,
+                                  .prompts = prompts_,
+                                  .ShowDialogTrcol = [this] { session_.TransparentColor = pickedColor_; }},
+            nullptr);
         dialog_->Shape();
         dialog_->show();
     }
@@ -62,7 +67,8 @@ TEST_F(Dialog2Test, OpensForEveryCodeAndApplyingAgainStartsFromTheOpeningPicture
         int sliders = 0;
         for (int i = 0; i < 3; ++i) {
             if (!Slider(i).isVisible()) continue;
-            ++sliders;
+            const std::string_view caption = effect.captions[static_cast<std::size_t>(sliders++)];
+            EXPECT_EQ(Find<QLabel>(qPrintable(QString("Label1(%1)").arg(i))).text().toStdString(), caption);
             EXPECT_EQ(Slider(i).minimum(), expected.Min);
             EXPECT_EQ(Slider(i).maximum(), expected.Max);
             EXPECT_EQ(Slider(i).value(), expected.Value);
@@ -72,6 +78,9 @@ TEST_F(Dialog2Test, OpensForEveryCodeAndApplyingAgainStartsFromTheOpeningPicture
         EXPECT_EQ(sliders, effect.SliderCount());
         EXPECT_EQ(Find<QCheckBox>("Check1").isVisible(), effect.code == 117);
         EXPECT_FALSE(Find<QPushButton>("OKButton(2)").isEnabled());
+        const QCheckBox& drag = Find<QCheckBox>("CheckDrag");
+        EXPECT_EQ(drag.text().toStdString(), DragCaption(effect.code));
+        EXPECT_FALSE(drag.isChecked());
 
         Click("OKButton(0)");
         const Picture once = Shown();
@@ -234,6 +243,33 @@ TEST_F(Dialog2Test, LivePreviewRunsWhileDraggedAndTakesOneSnapshot) {
     EXPECT_EQ(session_.UndoTop, 1);
     Click("OKButton(2)");
     EXPECT_TRUE(ShowsOpening());
+
+    slider.setSliderDown(true);
+    slider.setSliderPosition(90);
+    EXPECT_FALSE(ShowsOpening());
+    slider.setSliderDown(false);
+    EXPECT_EQ(session_.UndoTop, 2) << "where there is nothing to undo the drag takes one of its own";
+    Click("OKButton(2)");
+    EXPECT_TRUE(ShowsOpening());
+}
+
+TEST_F(Dialog2Test, TransparentIsCheckedOnlyWithAColour) {
+    Open(19);
+    QCheckBox& transparent = Find<QCheckBox>("Check1");
+    transparent.setChecked(true);
+    EXPECT_FALSE(transparent.isChecked());
+    pickedColor_ = RGB(1, 2, 3);
+    transparent.setChecked(true);
+    EXPECT_TRUE(transparent.isChecked());
+    EXPECT_EQ(session_.TransparentColor, RGB(1, 2, 3));
+    transparent.setChecked(false);
+    EXPECT_EQ(session_.TransparentColor, -1);
+
+    session_.TransparentColor = RGB(1, 2, 3);
+    Open(117);
+    Click("Check1");
+    Click("Check1");
+    EXPECT_EQ(session_.TransparentColor, RGB(1, 2, 3)) << "that box says something else";
 }
 
 TEST_F(Dialog2Test, IsModalBesideThePaneUntilItIsClosed) {

@@ -44,6 +44,8 @@ TEST_F(EffectCommandsTest, EveryEntryDoesWhatItsKindSays) {
         EXPECT_EQ(dialogs_, entry.kind == EffectKind::Dialog ? std::vector{entry.code} : std::vector<int>());
         EXPECT_EQ(session_.EffectCode, entry.code);
         EXPECT_EQ(session_.EffectMenuIndex, entry.index);
+        EXPECT_EQ("m" + session_.EffectGroup, entry.array);
+        EXPECT_EQ(session_.EffectCaption, EffectCaptionOf(entry.caption));
         EXPECT_FALSE(recorded_.host.busy);
     }
     EXPECT_EQ(resizeDialogs_, 1);
