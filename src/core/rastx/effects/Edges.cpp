@@ -79,33 +79,52 @@ TESSARA_MULTIVERSION void EnhanceEdgeRow(const Neighbours& rows, std::size_t len
     }
 }
 
-/// The brightest colour of the window at full strength, as bright as the edge is steep.
+/// How much a colour glows: bright ones more than dark ones, and pure ones more than those near to grey.
+TESSARA_ALWAYS_INLINE int Vividness(std::uint32_t pixel) {
+    const auto blue = static_cast<int>(pixel & 255);
+    const auto green = static_cast<int>((pixel >> 8) & 255);
+    const auto red = static_cast<int>((pixel >> 16) & 255);
+    const int lower = blue < green ? blue : green;
+    const int higher = blue < green ? green : blue;
+    return 3 * (higher > red ? higher : red) - 2 * (lower < red ? lower : red);
+}
+
+/// Of a pixel and those beside, above and below it.
+TESSARA_ALWAYS_INLINE std::uint32_t MostVivid(const Neighbours& rows, std::size_t i) {
+    std::uint32_t found = LoadPixel(rows.here + i);
+    int most = Vividness(found);
+    const auto consider = [&](std::uint32_t pixel) {
+        const int vividness = Vividness(pixel);
+        found = vividness > most ? pixel : found;
+        most = vividness > most ? vividness : most;
+    };
+    // Written out, for a loop would keep that over the pixels from being vectorised.
+    consider(LoadPixel(rows.here + i + 4));
+    consider(LoadPixel(rows.here + i - 4));
+    consider(LoadPixel(rows.above + i));
+    consider(LoadPixel(rows.below + i));
+    return found;
+}
+
+/// The most vivid colour of the window at full strength, as bright as the edge is steep.
 TESSARA_MULTIVERSION void NeonRow(const Neighbours& rows, std::size_t length, std::uint8_t* __restrict out) {
     std::uint8_t steepness[kBlock];
-    std::uint8_t brightest[kBlock];
-    const auto compute = [&](std::size_t i, std::size_t k) {
-        steepness[k] = Steepness(rows, i);
-        std::uint8_t most = rows.here[i];
-        most = rows.here[i + 4] > most ? rows.here[i + 4] : most;
-        most = rows.here[i - 4] > most ? rows.here[i - 4] : most;
-        most = rows.above[i] > most ? rows.above[i] : most;
-        most = rows.below[i] > most ? rows.below[i] : most;
-        brightest[k] = most;
-    };
-    ForBlocks(length, compute, [&](std::size_t start, std::size_t count) {
-        for (std::size_t k = 0; k < count; k += 4) {
-            const std::uint32_t color = LoadPixel(brightest + k);
-            const auto high = static_cast<float>(Largest(color) + 1);
-            const auto steep = static_cast<float>(Largest(LoadPixel(steepness + k)));
-            const float edge = steep * steep * (1.0f / 255);  // weak edges stay dark
-            const auto channel = [&](std::uint32_t value) {
-                const float share = static_cast<float>(value) / high;
-                return static_cast<std::uint32_t>(ToByte(edge * share * share));
-            };
-            StorePixel(out + start + k, channel(color & 255) | (channel((color >> 8) & 255) << 8) |
-                                            (channel((color >> 16) & 255) << 16));
-        }
-    });
+    ForBlocks(
+        length, [&](std::size_t i, std::size_t k) { steepness[k] = Steepness(rows, i); },
+        [&](std::size_t start, std::size_t count) {
+            for (std::size_t k = 0; k < count; k += 4) {
+                const std::uint32_t color = MostVivid(rows, start + k);
+                const auto high = static_cast<float>(Largest(color) + 1);
+                const auto steep = static_cast<float>(Largest(LoadPixel(steepness + k)));
+                const float edge = steep * steep * (1.0f / 255);  // weak edges stay dark
+                const auto channel = [&](std::uint32_t value) {
+                    const float share = static_cast<float>(value) / high;
+                    return static_cast<std::uint32_t>(ToByte(edge * share * share));
+                };
+                StorePixel(out + start + k, channel(color & 255) | (channel((color >> 8) & 255) << 8) |
+                                                (channel((color >> 16) & 255) << 16));
+            }
+        });
 }
 
 /// Light that spills over the surroundings of the edges.

@@ -224,6 +224,15 @@ TEST(Effect, AntiAliasSoftensStairStepsAndNothingElse) {
     EXPECT_EQ(steps.At(0, 0), kBlack);
 }
 
+TEST(Effect, NeonLinesGlowInTheColourOfAShapeNotOfTheWhiteAroundIt) {
+    const Picture traced = Must(effects::NeonTrace(Draw("WWWRRR WWWRRR WWWRRR")));
+    for (const int x : {2, 3}) {
+        EXPECT_GT(traced.At(x, 1).r, 250);
+        EXPECT_EQ(traced.At(x, 1).g, 0);
+    }
+    EXPECT_EQ(traced.At(0, 1), kBlack);
+}
+
 TEST(Effect, WindBlowsToTheRight) {
     Picture bar = Must(Picture::Create(120, 60, kBlack, Alpha::None));
     for (int y = 0; y < 60; ++y)
