@@ -150,12 +150,17 @@ TESSARA_MULTIVERSION void EmbossRow(const Neighbours& rows, std::size_t length,
         });
 }
 
-/// Half as steep as the grey relief: each of the passes that the dialog repeats adds to the one before.
+/// Half as steep as the grey relief, and less where the slope is faint: each of the passes that the dialog
+/// repeats adds to the one before, and grain would grow with the edges until nothing else is left.
 TESSARA_MULTIVERSION void EmbossColorRow(const Neighbours& rows, std::size_t length,
                                          std::uint8_t* __restrict out) {
-    for (std::size_t i = 0; i < length; ++i)
-        out[i] = static_cast<std::uint8_t>(
-            ToByte(static_cast<std::int16_t>(rows.here[i] + ((Slope(rows, i) + 2) >> 2))));
+    constexpr float kFaint = 96;  // of such a slope half is left
+    for (std::size_t i = 0; i < length; ++i) {
+        const auto slope = static_cast<float>(Slope(rows, i));
+        const float size = slope < 0 ? -slope : slope;
+        const float relief = slope * size / (4 * (size + kFaint));
+        out[i] = static_cast<std::uint8_t>(ToByte(static_cast<float>(rows.here[i]) + relief));
+    }
 }
 
 }  // namespace

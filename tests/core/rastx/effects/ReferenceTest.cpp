@@ -48,7 +48,6 @@ TEST(Effect, ConvolutionsAreThoseOfTheirKernels) {
         {"soften", effects::Soften, {1, 2, 1, 2, 20, 2, 1, 2, 1}, 32},
         {"sharpen", effects::Sharpen, {-1, -2, -1, -2, 28, -2, -1, -2, -1}, 16},
         {"enhance edge", effects::EnhanceEdge, {-1, -1, -1, -1, 12, -1, -1, -1, -1}, 4},
-        {"emboss color", effects::EmbossColor, {-2, -1, 0, -1, 4, 1, 0, 1, 2}, 4},
     };
     const Picture source = PhotoLike(67, 31);
     for (const KernelCase& row : cases) {
@@ -91,6 +90,21 @@ TEST(Effect, WindowsTakeTheColourOfHalfTransparentPixelsByTheirAlpha) {
     // (6 * 255 * 100 + 3 * 128 * 190) / (6 * 255 + 3 * 128) and the other way round.
     EXPECT_EQ(boxed.At(0, 0), (Pixel{118, 118, 118, 255}));
     EXPECT_EQ(boxed.At(1, 0), (Pixel{145, 145, 145, 128}));
+}
+
+TEST(Effect, TheReliefInColourRaisesEdgesAndLeavesGrainAlone) {
+    struct Case {
+        std::uint8_t left, right, newLeft, newRight;
+    };
+    // A step of 60 has a slope of 180: 180 * 180 / (4 * 276) = 29.3.
+    for (const Case& row : {Case{60, 120, 89, 149}, {120, 60, 91, 31}, {60, 64, 60, 64}}) {
+        Picture step = Must(Picture::Create(2, 1, Alpha::None));
+        step.MutableRow(0)[0] = Grey(row.left);
+        step.MutableRow(0)[1] = Grey(row.right);
+        const Picture relief = effects::EmbossColor(step);
+        EXPECT_EQ(relief.At(0, 0), Grey(row.newLeft));
+        EXPECT_EQ(relief.At(1, 0), Grey(row.newRight));
+    }
 }
 
 TEST(Effect, BoxBlurIsTheMeanOfItsWindow) {
