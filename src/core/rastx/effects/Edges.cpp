@@ -136,29 +136,32 @@ TESSARA_MULTIVERSION void AddGlowRow(const std::uint8_t* glow, std::size_t lengt
     }
 }
 
+/// Half of a slope as steep as `faint`, nearly all of a steep one: the dialog repeats the passes of a relief,
+/// and grain would grow with the edges until nothing else is left.
+TESSARA_ALWAYS_INLINE float WithoutGrain(float slope, float faint) {
+    const float size = slope < 0 ? -slope : slope;
+    return slope * size / (size + faint);
+}
+
 TESSARA_MULTIVERSION void EmbossRow(const Neighbours& rows, std::size_t length,
                                     std::uint8_t* __restrict out) {
     std::int16_t slopes[kBlock];
     ForBlocks(
-        length,
-        [&](std::size_t i, std::size_t k) { slopes[k] = static_cast<std::int16_t>(Slope(rows, i) >> 1); },
+        length, [&](std::size_t i, std::size_t k) { slopes[k] = Slope(rows, i); },
         [&](std::size_t start, std::size_t count) {
             for (std::size_t k = 0; k < count; k += 4) {
-                const int luma = (29 * slopes[k] + 150 * slopes[k + 1] + 77 * slopes[k + 2] + 128) >> 8;
-                StorePixel(out + start + k, static_cast<std::uint32_t>(ToByte(128 + luma)) * 0x010101u);
+                const int luma = 29 * slopes[k] + 150 * slopes[k + 1] + 77 * slopes[k + 2];
+                const float relief = WithoutGrain(static_cast<float>(luma) / 256, 24) / 2;
+                StorePixel(out + start + k, static_cast<std::uint32_t>(ToByte(128 + relief)) * 0x010101u);
             }
         });
 }
 
-/// Half as steep as the grey relief, and less where the slope is faint: each of the passes that the dialog
-/// repeats adds to the one before, and grain would grow with the edges until nothing else is left.
+/// Half as steep as the grey relief: each pass adds to the one before.
 TESSARA_MULTIVERSION void EmbossColorRow(const Neighbours& rows, std::size_t length,
                                          std::uint8_t* __restrict out) {
-    constexpr float kFaint = 96;  // of such a slope half is left
     for (std::size_t i = 0; i < length; ++i) {
-        const auto slope = static_cast<float>(Slope(rows, i));
-        const float size = slope < 0 ? -slope : slope;
-        const float relief = slope * size / (4 * (size + kFaint));
+        const float relief = WithoutGrain(Slope(rows, i), 96) / 4;
         out[i] = static_cast<std::uint8_t>(ToByte(static_cast<float>(rows.here[i]) + relief));
     }
 }

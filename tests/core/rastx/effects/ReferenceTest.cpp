@@ -92,18 +92,21 @@ TEST(Effect, WindowsTakeTheColourOfHalfTransparentPixelsByTheirAlpha) {
     EXPECT_EQ(boxed.At(1, 0), (Pixel{145, 145, 145, 128}));
 }
 
-TEST(Effect, TheReliefInColourRaisesEdgesAndLeavesGrainAlone) {
+TEST(Effect, ReliefsRaiseEdgesAndLeaveGrainAlone) {
     struct Case {
-        std::uint8_t left, right, newLeft, newRight;
+        std::uint8_t left, right, grey, newLeft, newRight;
     };
-    // A step of 60 has a slope of 180: 180 * 180 / (4 * 276) = 29.3.
-    for (const Case& row : {Case{60, 120, 89, 149}, {120, 60, 91, 31}, {60, 64, 60, 64}}) {
+    // A step of 60 has a slope of 180: 180 * 180 / 204 / 2 = 79.4 in grey, 180 * 180 / 276 / 4 = 29.3 in
+    // colour.
+    for (const Case& row :
+         {Case{60, 120, 207, 89, 149}, {120, 60, 49, 91, 31}, {60, 64, 130, 60, 64}, {7, 7, 128, 7, 7}}) {
         Picture step = Must(Picture::Create(2, 1, Alpha::None));
         step.MutableRow(0)[0] = Grey(row.left);
         step.MutableRow(0)[1] = Grey(row.right);
-        const Picture relief = effects::EmbossColor(step);
-        EXPECT_EQ(relief.At(0, 0), Grey(row.newLeft));
-        EXPECT_EQ(relief.At(1, 0), Grey(row.newRight));
+        const Picture grey = effects::Emboss(step), colored = effects::EmbossColor(step);
+        for (const int x : {0, 1}) EXPECT_EQ(grey.At(x, 0), Grey(row.grey));
+        EXPECT_EQ(colored.At(0, 0), Grey(row.newLeft));
+        EXPECT_EQ(colored.At(1, 0), Grey(row.newRight));
     }
 }
 
