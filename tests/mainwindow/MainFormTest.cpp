@@ -172,6 +172,36 @@ TEST_F(MainFormTest, ClosingKeepsAnUnsavedExportImageAndTheRecentPaths) {
     EXPECT_FALSE(fs::exists(app_ + "/Xptemp.ico"));
 }
 
+TEST_F(MainFormTest, TheHelpMenuEndsACaptureAndLeadsWhereItSays) {
+    struct Row {
+        int entry;
+        const char* opens;  // a topic, an address or a dialog
+    };
+    ASSERT_TRUE(Load());
+    std::string opens;
+    QTimer user;
+    QObject::connect(&user, &QTimer::timeout, &user, [&opens] {
+        QWidget* const dialog = QApplication::activeModalWidget();
+        if (dialog == nullptr) return;
+        opens = dialog->objectName().toStdString();
+        dialog->close();
+    });
+    user.start();
+    for (const Row& row :
+         {Row{0, "2-1.htm"}, Row{2, "FrmHomePage"}, Row{3, "DialogProd"},
+          Row{4, "http://www.tessara.example/newsletter"}, Row{5, "ServicesForm"}, Row{9, "AboutForm"}}) {
+        form_->Imagetool_Click(11);
+        EXPECT_TRUE(session_.CaptureMode);
+        form_->Menus().Item("mHelp", row.entry)->trigger();
+        EXPECT_FALSE(session_.CaptureMode) << row.entry;
+        for (Names* told : {&help_.topics, &links_.opened})
+            for (const std::string& text : std::exchange(*told, {})) opens += text;
+        EXPECT_EQ(std::exchange(opens, {}), row.opens);
+    }
+    form_->Imagetool_Click(10);
+    EXPECT_EQ(help_.topics, Names{"2-1.htm"});
+}
+
 TEST_F(MainFormTest, FilesFoldersAndPicturesCanBeDropped) {
     MakePicture("photos/a.bmp", 3);
     MakePicture("photos/b \xC3\xA4.bmp", 4);

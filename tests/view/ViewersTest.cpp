@@ -16,6 +16,11 @@ class ViewersTest : public testing::Test, protected test::RecordedViewing {
         Select(1);
         importPane.SetImage(test::Draw("KW KW"));
     }
+    /// Three quarters of the screen, in its middle.
+    static QRect FirstPlace(const QWidget& viewer) {
+        const QRect screen = viewer.screen()->geometry();
+        return {screen.topLeft() + QPoint(screen.width(), screen.height()) / 8, screen.size() * 0.75};
+    }
     std::string Exported() { return test::Sketch(viewers_.Export()->rastx1(0).rastx().Image()); }
 
     Viewers viewers_{surroundings};
@@ -30,6 +35,11 @@ TEST_F(ViewersTest, OneOpensTheOtherAndEachOnlyOnce) {
     QTest::keyClick(import, Qt::Key_F7);
     ASSERT_NE(viewers_.Export(), nullptr);
     EXPECT_TRUE(session.ViewExportOpen);
+    for (const QWidget* viewer : std::initializer_list<QWidget*>{import, viewers_.Export()})
+        EXPECT_EQ(QRect(viewer->pos(), viewer->size()), FirstPlace(*viewer))
+            << viewer->objectName().toStdString();
+    for (const RastxPane* pane : {&import->rastx1(0), &viewers_.Export()->rastx1(0)})
+        EXPECT_EQ(pane->ViewMode(), 2) << "pixel for pixel";
     QTest::keyClick(viewers_.Export(), Qt::Key_F7);
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
     EXPECT_EQ(viewers_.Import(), import);
@@ -51,6 +61,7 @@ TEST_F(ViewersTest, TheExportViewerMirrorsByWayOfTheClipboard) {
     EXPECT_EQ(Exported(), "BB");
     clipboard.Put(test::Draw("K"));
     viewers_.Export()->resize(300, 200);
+    EXPECT_EQ(viewers_.Export()->rastx1(0).geometry(), QRect(2, 6, 288, 165));
     EXPECT_EQ(test::Sketch(test::Must(clipboard.Take())), "BB") << "a resize refreshes";
 }
 

@@ -40,6 +40,11 @@ TEST_F(DialogTrcolTest, TheLastClickCounts) {
     }
 }
 
+TEST_F(DialogTrcolTest, ItsHelpTellsOfTheTransparentColor) {
+    dialog_.findChild<QToolButton*>("ImageHelp")->click();
+    EXPECT_EQ(recorded_.host.calls, std::vector<std::string>{"RunHtmlHelp 2-1.htm#abouttr"});
+}
+
 TEST_F(DialogTrcolTest, TheNoteShowsAllItsLines) {
     const QLabel& note = *dialog_.findChild<QLabel*>("Label2");
     EXPECT_GE(note.height(), note.heightForWidth(note.width()));
