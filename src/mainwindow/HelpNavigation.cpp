@@ -59,6 +59,7 @@ HelpIndex::HelpIndex(const std::vector<HelpEntry>& index, QWidget* parent)
     word_->setAccessibleName(QStringLiteral("Word to look for"));
     word_->setClearButtonEnabled(true);
     word_->installEventFilter(this);
+    setFocusProxy(word_);
     words_->setObjectName(QStringLiteral("HelpIndex"));
     words_->setAccessibleName(QStringLiteral("Index"));
     words_->setFrameShape(QFrame::NoFrame);

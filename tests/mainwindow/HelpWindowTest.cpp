@@ -127,8 +127,10 @@ TEST_F(HelpWindowTest, AChoiceInTheContentsOpensItOnceMoreToo) {
 
 TEST_F(HelpWindowTest, TheIndexIsSortedAndNarrowedDownByTyping) {
     HelpWindow window(folder_.Path());
-    window.DisplayIndex("1-1.htm");
-    EXPECT_TRUE(window.Index()->isVisible());
+    Help(session_, window).RunHtmlHelp("1-1.htm");
+    EXPECT_EQ(window.focusWidget(), window.Page());
+    window.findChild<QTabWidget*>()->setCurrentWidget(window.Index());
+    EXPECT_EQ(window.focusWidget(), window.Index()->Word()) << "one may type at once";
     QListWidget* words = window.Index()->Words();
     EXPECT_EQ(words->item(0)->text(), QStringLiteral("afar"));
     QTest::keyClicks(window.Index()->Word(), QStringLiteral("fAR"));
