@@ -4,6 +4,7 @@ namespace tessara {
 namespace {
 
 void BringToFront(QWidget& window) {
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
     window.raise();
     window.activateWindow();
 }

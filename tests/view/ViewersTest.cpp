@@ -41,8 +41,10 @@ TEST_F(ViewersTest, OneOpensTheOtherAndEachOnlyOnce) {
     for (const RastxPane* pane : {&import->rastx1(0), &viewers_.Export()->rastx1(0)})
         EXPECT_EQ(pane->ViewMode(), 2) << "pixel for pixel";
     QTest::keyClick(viewers_.Export(), Qt::Key_F7);
+    import->showMinimized();
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
     EXPECT_EQ(viewers_.Import(), import);
+    EXPECT_FALSE(import->isMinimized());
     import->close();
     EXPECT_EQ(viewers_.Import(), nullptr);
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
