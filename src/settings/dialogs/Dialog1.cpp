@@ -2,6 +2,7 @@
 
 #include <QScreen>
 #include <QStyle>
+#include <algorithm>
 #include <utility>
 
 #include "core/PathNames.h"
@@ -153,6 +154,14 @@ void Dialog1::FitToPage() {
                                              shown ? QSizePolicy::Preferred : QSizePolicy::Ignored);
     }
     adjustSize();
+}
+
+/// A dialog that grows does not leave the screen.
+void Dialog1::resizeEvent(QResizeEvent* event) {
+    QDialog::resizeEvent(event);
+    const QRect area = screen()->availableGeometry();
+    const int highest = area.bottom() + 1 - frameGeometry().height();
+    if (isVisible() && y() > highest) move(x(), std::max(area.top(), highest));
 }
 
 void Dialog1::OKButton_Click(int Index) {

@@ -38,6 +38,7 @@ class Dialog1 final : public QDialog {
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     enum Tab { kConvertTab, kListTab, kCaptureTab, kJpgTab, kTransparentTab, kSlideTab };

@@ -1,4 +1,5 @@
 #include <QGridLayout>
+#include <QScreen>
 #include <QVBoxLayout>
 
 #include "artwork/Artwork.h"
@@ -14,6 +15,12 @@ constexpr int kGap = 14;
 
 QString Text(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Between rows, in pixels. On a small screen they stand closer, so that the dialog still fits.
+int RowGap(const QWidget& dialog) {
+    constexpr int kSmallScreen = 480, kSmallGap = 4;
+    return dialog.screen()->availableSize().height() < kSmallScreen ? kSmallGap : kGap;
 }
 
 template <typename Control>
@@ -175,7 +182,7 @@ void Dialog1::LayOut() {
     LayOutJpg();
 
     auto* const layout = new QVBoxLayout(this);
-    layout->setSpacing(kGap);
+    layout->setSpacing(RowGap(*this));
     layout->addWidget(TabStrip1_);
     layout->addLayout(ButtonRow());
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -184,7 +191,7 @@ void Dialog1::LayOut() {
 QWidget* Dialog1::ConvertPage() {
     auto* const page = new QWidget(this);
     auto* const layout = new QVBoxLayout(page);
-    layout->setSpacing(kGap);
+    layout->setSpacing(RowGap(*this));
     layout->addWidget(Frame4_);
     layout->addWidget(Frame2_);
 
@@ -197,7 +204,7 @@ QWidget* Dialog1::ConvertPage() {
     auto* const formats = new QGridLayout;
     AddInColumns(formats, CheckOut_);
     auto* const targets = new QVBoxLayout(Frame2_);
-    targets->setSpacing(kGap);
+    targets->setSpacing(RowGap(*this));
     targets->addLayout(formats);
     targets->addLayout(
         FolderRow(MakeLabel("Target Folder", TextOutFolder_), TextOutFolder_, ImageOutFolder_));
@@ -211,19 +218,19 @@ QWidget* Dialog1::ConvertPage() {
 QWidget* Dialog1::ListPage() {
     auto* const page = new QWidget(this);
     auto* const layout = new QVBoxLayout(page);
-    layout->setSpacing(kGap);
+    layout->setSpacing(RowGap(*this));
     layout->addWidget(Frame3_);
     layout->addWidget(Frame1_);
 
     auto* const list = new QVBoxLayout(Frame3_);
-    list->setSpacing(kGap);
+    list->setSpacing(RowGap(*this));
     list->addLayout(InARow(OptionList_));
     list->addLayout(FolderRow(MakeLabel("Start Folder", TextInFolder_), TextInFolder_, ImageinFolder_));
 
     auto* const formats = new QGridLayout;
     AddInColumns(formats, CheckIn_);
     auto* const imports = new QVBoxLayout(Frame1_);
-    imports->setSpacing(kGap);
+    imports->setSpacing(RowGap(*this));
     imports->addLayout(formats);
     imports->addLayout(InARow(Command2_));
     return page;
