@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -60,9 +61,11 @@ class ScriptedPrompts final : public Prompts {
     std::vector<SaveRequest> saveRequests;
     std::vector<std::string> foldersAskedFor;  ///< title and start
     int beeps = 0;
+    std::function<void()> whileAsking = [] {};  ///< what still happens when a message is on screen
 
     Answer Ask(const Prompt& prompt) override {
         asked.push_back(prompt);
+        whileAsking();
         return Next(answers, Answer::Cancel);
     }
     void Beep() override { ++beeps; }

@@ -199,8 +199,11 @@ bool Dialog1::FieldsAreValid(int Index) {
     return Refuse("Start Folder invalid!");
 }
 
+/// Once: a click on a button takes the focus from a field, which refuses first, and only then is a click.
 bool Dialog1::Refuse(const std::string& message) {
+    if (std::exchange(refusing_, true)) return false;
     prompts_.Ask({message, PromptButtons::Ok, PromptIcon::Warning});
+    refusing_ = false;
     return false;
 }
 

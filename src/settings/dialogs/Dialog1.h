@@ -132,6 +132,7 @@ class Dialog1 final : public QDialog {
     bool ListSettingsEdited_ = false;  ///< the start folder or the list mode
     bool Loading_ = false;             ///< the controls are being filled: their events are passed over
     bool TextLock_ = false;            ///< sizes are being shown, likewise
+    bool refusing_ = false;            ///< a message is on screen
     int lastPage_ = kConvertTab;
     int otherDialog_ = -1;  ///< the tab whose dialog is to be shown instead
 };

@@ -276,7 +276,11 @@ TEST_F(Dialog1Test, AnEditedStartFolderIsTestedWhenTheFocusLeavesIt) {
     };
     EXPECT_EQ(leave(), Names{});
     Type("TextInFolder", folder_.File("a/b"));
+    prompts_.whileAsking = [this, clicked = false]() mutable {
+        if (!std::exchange(clicked, true)) Click("OKButton(3)");
+    };
     EXPECT_EQ(leave(), Names{"Start Folder invalid!"});
+    EXPECT_TRUE(dialog_.isVisible());
     prompts_.folders = {"", folder_.Path(), "/out"};
     Click("ImageinFolder");
     EXPECT_EQ(TextOf("TextInFolder"), folder_.File("a/b"));
