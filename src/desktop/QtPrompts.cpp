@@ -1,5 +1,6 @@
 #include "desktop/QtPrompts.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QColorDialog>
 #include <QDir>
@@ -12,6 +13,7 @@
 #include <algorithm>
 
 #include "core/Paths.h"
+#include "desktop/HeldKeyFilter.h"
 #include "desktop/PathText.h"
 
 namespace tessara {
@@ -168,6 +170,8 @@ std::string WithSuffix(std::string path, const std::vector<SaveFilter>& filters,
 Answer QtPrompts::Ask(const Prompt& prompt) {
     QMessageBox box(IconOf(prompt.icon), QStringLiteral("Tessara Pro"), ShownText(prompt.text),
                     ButtonsOf(prompt.buttons), Owner());
+    HeldKeyFilter heldKeys;
+    for (QAbstractButton* const button : box.buttons()) button->installEventFilter(&heldKeys);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(DefaultOf(prompt.buttons));
     if (const QWidget* const topmost = TopmostWindow()) MoveBelow(*topmost, box);

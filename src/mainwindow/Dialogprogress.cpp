@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "core/SaveName.h"
+#include "desktop/HeldKeyFilter.h"
 #include "desktop/PathText.h"
 #include "settings/ConvertOptions.h"
 
@@ -61,6 +62,7 @@ void Dialogprogress::MakeControls() {
     CancelButton_ = new QPushButton(QStringLiteral("Cancel"), this);
     CancelButton_->setObjectName(QStringLiteral("CancelButton"));
     CancelButton_->setDefault(true);
+    CancelButton_->installEventFilter(new HeldKeyFilter(this));
 }
 
 void Dialogprogress::LayOut() {

@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QTest>
 #include <QTimer>
 #include <deque>
@@ -66,6 +67,20 @@ User::Act Save(const std::string& name) {
 const std::vector<SaveFilter> kFilters = {
     {"GIF Files (*.gif)", "*.gif"}, {"Windows Bitmap (*.bmp)", "*.bmp"}, {"All Files (*.*)", "*.*"}};
 
+/// Enter is still held down when the question comes up; then Escape is pressed.
+void HoldEnterAndEscape(QWidget* dialog) {
+    const auto send = [dialog](QEvent::Type type, bool repeats) {
+        QKeyEvent event(type, Qt::Key_Return, {}, {}, repeats);
+        event.setTimestamp(1000);
+        QApplication::sendEvent(qobject_cast<QMessageBox*>(dialog)->defaultButton(), &event);
+    };
+    send(QEvent::KeyPress, true);
+    send(QEvent::KeyRelease, false);
+    send(QEvent::KeyPress, false);
+    EXPECT_TRUE(dialog->isVisible());
+    PressEscape(dialog);
+}
+
 TEST(QtPrompts, EachButtonIsItsAnswer) {
     struct Row {
         PromptButtons buttons;
@@ -78,6 +93,7 @@ TEST(QtPrompts, EachButtonIsItsAnswer) {
         {PromptButtons::YesNo, Click(QMessageBox::Yes), Answer::Yes},
         {PromptButtons::YesNo, Click(QMessageBox::No), Answer::No},
         {PromptButtons::YesNo, PressEscape, Answer::No},
+        {PromptButtons::YesNo, HoldEnterAndEscape, Answer::No},
         {PromptButtons::RetryCancel, Click(QMessageBox::Retry), Answer::Retry},
         {PromptButtons::RetryCancel, Click(QMessageBox::Cancel), Answer::Cancel},
         {PromptButtons::RetryCancel, PressEscape, Answer::Cancel},

@@ -104,6 +104,15 @@ TEST_F(ConvertTest, CancelAndClosingEndARunningJob) {
     }
 }
 
+TEST_F(ConvertTest, AKeyThatIsStillHeldDownDoesNotCancel) {
+    QTimer::singleShot(0, &dialog_, [this] {
+        QKeyEvent held(QEvent::KeyPress, Qt::Key_Return, {}, {}, true);
+        QApplication::sendEvent(Button(), &held);
+    });
+    dialog_.RunJob();
+    EXPECT_EQ(Written(), 3);
+}
+
 TEST(CountBar, ShowsTheRealWorkWhateverItsRangeIs) {
     CountBar bar;
     bar.setTextVisible(false);
