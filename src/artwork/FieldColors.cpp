@@ -20,6 +20,13 @@ QPalette FieldPalette(QPalette window, const QColor& ground) {
     return window;
 }
 
+QPalette FramedBoxPalette(QPalette window) {
+    constexpr float kShareOfText = 0.45f;
+    window.setColor(QPalette::Window,
+                    Mixed(window.color(QPalette::Window), window.color(QPalette::WindowText), kShareOfText));
+    return window;
+}
+
 QColor FaintLine(const QPalette& window) {
     return Mixed(window.color(QPalette::Window), window.color(QPalette::WindowText), 0.3f);
 }

@@ -12,6 +12,10 @@ QColor TypingGround(const QPalette& window);
 /// The palette of a list or a box with such a ground, and with text that can be read on it.
 QPalette FieldPalette(QPalette window, const QColor& ground);
 
+/// A palette whose check boxes are seen on any ground: the toolkit makes their frames from the window's
+/// colour.
+QPalette FramedBoxPalette(QPalette window);
+
 /// Of separators and grips, which are seen without being looked at.
 QColor FaintLine(const QPalette& window);
 

@@ -2,16 +2,13 @@
 
 #include <QMouseEvent>
 
-#include "artwork/Artwork.h"
+#include "artwork/FieldColors.h"
 
 namespace tessara {
 
 void FileRowDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const {
     OneLineDelegate::initStyleOption(option, index);
-    QPalette& colors = option->palette;
-    constexpr float kShareOfText = 0.45f;
-    colors.setColor(QPalette::Window,
-                    Mixed(colors.color(QPalette::Window), colors.color(QPalette::WindowText), kShareOfText));
+    option->palette = FramedBoxPalette(option->palette);
 }
 
 bool FileTable::IsOnCheckBox(const QPoint& position) const {

@@ -5,7 +5,7 @@
 
 namespace tessara {
 
-/// Check boxes that are seen on the table's ground: their frames are made from the window's colour.
+/// Check boxes that are seen on the table's ground.
 class FileRowDelegate final : public OneLineDelegate {
   public:
     using OneLineDelegate::OneLineDelegate;

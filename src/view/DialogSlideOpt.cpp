@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "artwork/FramedCheckBox.h"
 #include "core/Numbers.h"
 #include "desktop/PathText.h"
 #include "edit/dialogs/Controls.h"
@@ -55,7 +56,8 @@ DialogSlideOpt::DialogSlideOpt(Session& session, Prompts& prompts, QWidget* pare
 
 void DialogSlideOpt::MakeControls() {
     for (std::size_t i = 0; i < Check1_.size(); ++i)
-        Check1_[i] = Named(new QCheckBox(TableText(kFlags[i].caption), this), QStringLiteral("Check1"), i);
+        Check1_[i] =
+            Named(new FramedCheckBox(TableText(kFlags[i].caption), this), QStringLiteral("Check1"), i);
     for (std::size_t i = 0; i < Option1_.size(); ++i)
         Option1_[i] = Named(new QRadioButton(TableText(kOrders[i]), this), QStringLiteral("Option1"), i);
     HScroll1_ = Named(new ValueSlider(this), QStringLiteral("HScroll1"));

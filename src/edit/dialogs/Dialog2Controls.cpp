@@ -1,5 +1,6 @@
 #include <QGridLayout>
 
+#include "artwork/FramedCheckBox.h"
 #include "edit/dialogs/Controls.h"
 #include "edit/dialogs/Dialog2.h"
 
@@ -22,9 +23,9 @@ void Dialog2::MakeControls() {
                  MakeButton(QStringLiteral("Undo"), Qt::Key_U, this)};
     for (std::size_t i = 0; i < OKButton_.size(); ++i) Named(OKButton_[i], QStringLiteral("OKButton"), i);
     OKButton_[0]->setDefault(true);
-    Check1_ = Named(new QCheckBox(this), QStringLiteral("Check1"));
-    Check2_ = Named(new QCheckBox(QStringLiteral("For All Colors"), this), QStringLiteral("Check2"));
-    CheckDrag_ = Named(new QCheckBox(this), QStringLiteral("CheckDrag"));
+    Check1_ = Named(new FramedCheckBox(this), QStringLiteral("Check1"));
+    Check2_ = Named(new FramedCheckBox(QStringLiteral("For All Colors"), this), QStringLiteral("Check2"));
+    CheckDrag_ = Named(new FramedCheckBox(this), QStringLiteral("CheckDrag"));
     CheckDrag_->setToolTip(QStringLiteral(
         "If your system can rapidly handle large computing and drawing tasks, please choose it."));
     ImageHelp_ = MakeHelpIcon(this);

@@ -3,6 +3,7 @@
 #include <QGridLayout>
 #include <QScreen>
 
+#include "artwork/FramedCheckBox.h"
 #include "desktop/PathText.h"
 #include "edit/dialogs/Controls.h"
 
@@ -38,7 +39,8 @@ void DialogResize::MakeControls() {
         Label2_[i] = Named(new QLabel(this), QStringLiteral("Label2"), i);
         Option1_[i] = Named(new QRadioButton(units[i], this), QStringLiteral("Option1"), i);
     }
-    Check1_ = Named(new QCheckBox(QStringLiteral("Constrain Proportions"), this), QStringLiteral("Check1"));
+    Check1_ =
+        Named(new FramedCheckBox(QStringLiteral("Constrain Proportions"), this), QStringLiteral("Check1"));
     OKButton_ = {MakeButton(QStringLiteral("Apply"), Qt::Key_A, this),
                  MakeButton(QStringLiteral("Undo"), Qt::Key_U, this),
                  MakeButton(QStringLiteral("Quit"), Qt::Key_Q, this)};

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QCheckBox>
 #include <QDialog>
 #include <QGroupBox>
 #include <QLabel>
@@ -13,6 +12,7 @@
 #include <QToolButton>
 #include <array>
 
+#include "artwork/FramedCheckBox.h"
 #include "desktop/Prompts.h"
 #include "settings/dialogs/CaptureSides.h"
 #include "settings/dialogs/OptionsHost.h"
@@ -101,7 +101,7 @@ class Dialog1 final : public QDialog {
     std::array<QRadioButton*, 3> OptionPic_;
     PathEdit* TextFile_;
     QGroupBox* Frame2_;  ///< "Export to"
-    std::array<QCheckBox*, 10> CheckOut_;
+    std::array<FramedCheckBox*, 10> CheckOut_;
     PathEdit* TextOutFolder_;
     QToolButton* ImageOutFolder_;
     std::array<QRadioButton*, 3> OptionOv_;
@@ -110,7 +110,7 @@ class Dialog1 final : public QDialog {
     PathEdit* TextInFolder_;
     QToolButton* ImageinFolder_;
     QGroupBox* Frame1_;  ///< formats that are read
-    std::array<QCheckBox*, 25> CheckIn_;
+    std::array<FramedCheckBox*, 25> CheckIn_;
     std::array<QPushButton*, 2> Command2_;
     QWidget* FrameCapture_;
     std::array<QLineEdit*, 2> TextSize_;

@@ -146,7 +146,7 @@ void Dialog1::MakeCaptureControls() {
         VScrollSize_[i]->setFocusPolicy(Qt::StrongFocus);
         VScrollSize_[i]->setAccessibleName(i == 0 ? QStringLiteral("Width") : QStringLiteral("Height"));
     }
-    Check1_ = Named(new QCheckBox(QStringLiteral("Square"), FrameCapture_), "Check1");
+    Check1_ = Named(new FramedCheckBox(QStringLiteral("Square"), FrameCapture_), "Check1");
 }
 
 void Dialog1::MakeJpgControls() {
@@ -156,8 +156,8 @@ void Dialog1::MakeJpgControls() {
     HScroll1_->setRange(1, 100);
     HScroll1_->setPageStep(10);
     HScroll1_->setAccessibleName(QStringLiteral("Image Quality"));
-    Check2_ = Named(new QCheckBox(QStringLiteral("Progressive encoding"), FrameJpg_), "Check2");
-    Check3_ = Named(new QCheckBox(QStringLiteral("Save as grayscale image"), FrameJpg_), "Check3");
+    Check2_ = Named(new FramedCheckBox(QStringLiteral("Progressive encoding"), FrameJpg_), "Check2");
+    Check3_ = Named(new FramedCheckBox(QStringLiteral("Save as grayscale image"), FrameJpg_), "Check3");
 }
 
 void Dialog1::MakeButtons() {
@@ -165,7 +165,7 @@ void Dialog1::MakeButtons() {
     ImageHelp_ = MakePicture("ImageHelp", "help", "Help", PictureHelp_);
     ImageHelp_->setAutoRaise(true);
     ImageHelp_->setCursor(Qt::PointingHandCursor);
-    CheckShow_ = Named(new QCheckBox(QStringLiteral("Don't show next time"), this), "CheckShow");
+    CheckShow_ = Named(new FramedCheckBox(QStringLiteral("Don't show next time"), this), "CheckShow");
     MakeArray(OKButton_, "OKButton", std::array{"Convert Now", "Load Default", "Save as Default", "OK"},
               this);
     for (QWidget* const control : {static_cast<QWidget*>(CheckShow_), PictureHelp_}) KeepRoomOf(control);
