@@ -2,15 +2,16 @@
 
 #include <QStyledItemDelegate>
 
+#include "desktop/PathText.h"
+
 namespace tessara {
 
-/// Rows have one height: a line break in a name shows as a sign.
+/// Rows have one height, whatever is in a name.
 class OneLineDelegate : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
     QString displayText(const QVariant& value, const QLocale&) const override {
-        constexpr QChar kSignForLineBreak(0x2424);
-        return value.toString().replace(QChar::LineFeed, kSignForLineBreak);
+        return OnOneLine(value.toString());
     }
 };
 

@@ -13,4 +13,12 @@ inline std::string BytesOfText(const QString& text) {
     return text.toStdString();
 }
 
+/// For places that have room for one line: a line break in a name shows as a sign.
+inline QString OnOneLine(QString text) {
+    constexpr QChar kSignForLineBreak(0x21b5);
+    return text.replace(QChar::LineFeed, kSignForLineBreak);
+}
+/// A tool tip that shows a text as it stands, also where it looks like markup.
+QString ToolTipOf(const QString& text);
+
 }  // namespace tessara

@@ -66,7 +66,7 @@ void MainForm::SetCaption(const std::string& text) {
 }
 
 void MainForm::SetTreeToolTip(const std::string& text) {
-    tree_->TreeViewS()->setToolTip(ShownText(text));
+    tree_->TreeViewS()->setToolTip(ToolTipOf(ShownText(text)));
 }
 
 void MainForm::BusyCursor(bool on) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "artwork/FieldColors.h"
+#include "desktop/PathText.h"
 
 namespace tessara {
 namespace {
@@ -56,12 +57,13 @@ void PanelBar::ShowText(std::size_t index) {
     while (last + 1 < panels_.size() && panels_[last + 1].text.isEmpty()) ++last;
     const QFontMetrics metrics = panel.label->fontMetrics();
     const int room = panels_[last].end - panel.left - 2 * kMargin;
-    const QString shown = metrics.elidedText(panel.text, Qt::ElideMiddle, room);
+    const QString line = OnOneLine(panel.text);
+    const QString shown = metrics.elidedText(line, Qt::ElideMiddle, room);
     panel.label->setGeometry(panel.left + kMargin, 0, qBound(0, metrics.horizontalAdvance(shown) + 1, room),
                              height());
     panel.label->setText(shown);
     panel.label->setAccessibleName(panel.text);
-    panel.label->setToolTip(shown == panel.text ? QString() : panel.text);
+    panel.label->setToolTip(shown == line ? QString() : ToolTipOf(panel.text));
 }
 
 void PanelBar::resizeEvent(QResizeEvent* event) {
