@@ -52,7 +52,8 @@ void FileCommands::mFolder_Click(int index) {
         case 1:
             return tree.RefreshTreeViewS();
         case 2:
-            return tree.TreeViewS()->scrollToItem(tree.SelectedNode());
+            if (const FolderNode* node = tree.SelectedNode()) tree.EnsureVisible(*node);
+            return;
         case 4:
             return tree.Naming().AddNewFolderNode();
         default:

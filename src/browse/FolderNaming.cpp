@@ -43,7 +43,7 @@ void FolderNaming::AddNewFolderNode() {
 void FolderNaming::StartLabelEdit() {
     QTreeWidget* tree = tree_.TreeViewS();
     placeholder_->setFlags(placeholder_->flags() | Qt::ItemIsEditable);
-    tree->scrollToItem(placeholder_);
+    tree_.EnsureVisible(*placeholder_);
     browser_.host.SetKeyPreview(false);
     if (!tree->isPersistentEditorOpen(placeholder_)) tree->editItem(placeholder_);
 }

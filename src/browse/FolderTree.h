@@ -51,6 +51,8 @@ class FolderTree : public QWidget {
     /// The first node of a key; null where there is none.
     FolderNode* NodeOf(const std::string& key) const;
     std::string RealPathOf(const FolderNode& node) const;
+    /// Scrolls until the node's name is in sight; expands what it is below.
+    void EnsureVisible(const FolderNode& node);
     /// Expands a node as the user does, but without the click that follows.
     void Expand(FolderNode& node);
     void MarkRead(FolderNode& node) const { node.visitedIn = build_; }

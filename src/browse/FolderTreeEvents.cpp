@@ -3,7 +3,9 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScopedValueRollback>
+#include <QScrollBar>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "browse/FileList.h"
 #include "browse/FolderNaming.h"
@@ -25,6 +27,19 @@ class FolderTree::View final : public SteadyTree {
     using SteadyTree::SteadyTree;
     bool HasInput() const { return hasInput_; }
 
+    void scrollTo(const QModelIndex& index, ScrollHint hint) override {
+        QScrollBar& bar = *horizontalScrollBar();
+        const int former = bar.value();
+        QTreeWidget::scrollTo(index, hint);
+        FitColumn();
+        // The column is as wide as the widest node in sight; what has to be seen is the name of this one, or
+        // at least where it begins.
+        bar.setValue(former);
+        const int left = visualRect(index).left();
+        const int hidden = left + sizeHintForIndex(index).width() - viewport()->width();
+        bar.setValue(bar.value() + std::min(left - indentation(), std::max(0, hidden)));
+    }
+
   protected:
     void mousePressEvent(QMouseEvent* event) override {
         const QScopedValueRollback input(hasInput_, true);
@@ -38,8 +53,19 @@ class FolderTree::View final : public SteadyTree {
         const QScopedValueRollback input(hasInput_, true);
         SteadyTree::keyPressEvent(event);
     }
+    void resizeEvent(QResizeEvent* event) override {
+        QTreeWidget::resizeEvent(event);
+        header()->setMinimumSectionSize(viewport()->width());
+        FitColumn();
+    }
 
   private:
+    /// At once: a view that follows later still has a scroll bar too short for the nodes in sight.
+    void FitColumn() {
+        header()->resizeSections(QHeaderView::ResizeToContents);
+        updateGeometries();
+    }
+
     bool hasInput_ = false;
 };
 
@@ -166,9 +192,13 @@ void FolderTree::SetDropHighlightToNothing() {
     TreeViewS_->viewport()->update();
 }
 
+void FolderTree::EnsureVisible(const FolderNode& node) {
+    view_->scrollTo(view_->indexFromItem(&node), QAbstractItemView::EnsureVisible);
+}
+
 void FolderTree::MakeVisible(int X, int Y) {
-    if (QTreeWidgetItem* node = TreeViewS_->itemAt(X / kTwipsPerPixel, Y / kTwipsPerPixel))
-        TreeViewS_->scrollToItem(node);
+    if (const QTreeWidgetItem* node = TreeViewS_->itemAt(X / kTwipsPerPixel, Y / kTwipsPerPixel))
+        EnsureVisible(*static_cast<const FolderNode*>(node));
 }
 
 void FolderTree::TreeViewS_DragOver(int X, int Y) {
@@ -177,7 +207,7 @@ void FolderTree::TreeViewS_DragOver(int X, int Y) {
     delegate_->dropHighlight = TreeViewS_->indexAt(position);
     TreeViewS_->viewport()->update();
     if (node != nullptr) {
-        TreeViewS_->scrollToItem(node);
+        EnsureVisible(*node);
         Expand(*node);
     }
     constexpr int kStep = 20;

@@ -245,7 +245,7 @@ bool PathBox::TryToGoTo(const std::string& path, bool quiet) {
     tree.ReadBelow(place);
     tree.SelectNode(place);
     tree.Expand(place);
-    tree.TreeViewS()->scrollToItem(&place);
+    tree.EnsureVisible(place);
     if (!browser_.FileViewFile.SetPath(place.Key()) && !quiet) return false;
     Ignore(browser_.FileViewFile.Refresh());
     tree.SelectNode(place);

@@ -70,6 +70,18 @@ TEST_F(FolderTreeTest, AClickShowsTheFolderAndAnExpandReadsBelow) {
     EXPECT_TRUE(prompts.asked.empty());
 }
 
+TEST_F(FolderTreeTest, ADeepNodeIsScrolledToItsName) {
+    std::string path = disk_;
+    for (int depth = 0; depth < 30; ++depth) path += "/deeper";
+    fs::create_directories(path + "/end");
+    GoTo(path);
+    const QRect cell = PlaceOf(*tree_.SelectedNode());
+    EXPECT_GE(cell.left(), 0);
+    EXPECT_LT(cell.left() + 60, Viewport()->width());
+    GoTo(disk_);
+    EXPECT_GE(PlaceOf(Node(disk_)).left(), 0);
+}
+
 TEST_F(FolderTreeTest, OnlyInputIsAClick) {
     Click(InDisk("a"));
     const std::size_t before = host.calls.size();
