@@ -161,15 +161,15 @@ void PathBox::AddimgCombopath(std::string& path) {
     if (ImageComboPath_->count() > kMostItems) RemoveOldestItem();
     if (path == kComputerKey) return;
     const FolderNode* node = browser_.tree->SelectedNode();
-    const QIcon icon =
-        node == nullptr ? browser_.tree->Pictures().Icon(TreePicture::ClosedFolder) : node->Icon();
+    // A path that could not be reached stands in the box to be corrected, but not among the last folders.
+    if (node == nullptr) return SetText(path);
     int item = ImageComboPath_->findData(QByteArray::fromStdString(path), kPathRole);
     if (item < 0) {
         item = ImageComboPath_->count();
-        AddItem(path, icon);
+        AddItem(path, node->Icon());
         browser_.host.SetTreeToolTip(path);
     }
-    ImageComboPath_->setItemIcon(item, icon);
+    ImageComboPath_->setItemIcon(item, node->Icon());
     ImageComboPath_->setCurrentIndex(item);
     SetText(path);
 }

@@ -83,6 +83,7 @@ TEST_F(PathBoxTest, AMissingPathIsRetriedOrLeftInTheBox) {
     EXPECT_EQ(browser.FileViewFile.Path(), disk_ + "/a");
     EXPECT_EQ(host.calls.back(), "UndoRefresh KILL");
     EXPECT_FALSE(session.StartFolderBad);
+    EXPECT_EQ(Items(), Names{disk_ + "/a"}) << "no folder to return to";
 
     box_.SetText(disk_ + "/a/missing");
     box_.ImageCobomKeyup(true);
@@ -140,6 +141,7 @@ TEST_F(PathBoxTest, RecentPathsOutliveTheRun) {
     box_.SaveGetComBox(true);
     EXPECT_EQ(box_.Text(), session.AppPath);
     EXPECT_TRUE(Items().empty());
+    tree_.SelectNode(Node(disk_));
     for (const char* path : {"/b", "/\xff", "/a"}) Add(path);
     box_.SaveGetComBox(false);
 
