@@ -50,6 +50,11 @@ class FolderTree::View final : public SteadyTree {
         SteadyTree::mouseDoubleClickEvent(event);
     }
     void keyPressEvent(QKeyEvent* event) override {
+        // All that is below would be all of the disk, and without an end where links lead in circles.
+        if (event->key() == Qt::Key_Asterisk) {
+            QKeyEvent plus(event->type(), Qt::Key_Plus, event->modifiers());
+            return keyPressEvent(&plus);
+        }
         const QScopedValueRollback input(hasInput_, true);
         SteadyTree::keyPressEvent(event);
     }
