@@ -94,11 +94,20 @@ bool FileList::eventFilter(QObject* watched, QEvent* event) {
     }
     if (event->type() == QEvent::KeyRelease && watched == ListViewFile_) {
         const auto& key = static_cast<const QKeyEvent&>(*event);
-        const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
         // A key that is held down repeats; only where it stops is the file wanted.
-        if (moves && !key.isAutoRepeat()) ListViewFile_Click();
+        if (!key.isAutoRepeat()) KeyReleased(key.key());
     }
     return false;
+}
+
+void FileList::KeyReleased(int key) {
+    static constexpr int kJumps[] = {Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool steps = key == Qt::Key_Up || key == Qt::Key_Down;
+    const auto hasMoved = [this] {
+        const int row = SelectedRow();
+        return row >= 0 && KeyOf(row) != CurrentFile_.Key;
+    };
+    if (steps || (std::ranges::count(kJumps, key) > 0 && hasMoved())) ListViewFile_Click();
 }
 
 void FileList::showEvent(QShowEvent* event) {

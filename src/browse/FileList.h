@@ -63,6 +63,7 @@ class FileList : public QWidget {
     void MakeColumns();
     void SetColumnWidths();
     void ConnectTable();
+    void KeyReleased(int key);
     void HeaderClicked(int section);
     void SortRows();
     /// None where the current file has left the table.

@@ -87,6 +87,7 @@ class FolderTree : public QWidget {
     void MouseReleased(const QPoint& position, Qt::MouseButton button);
     bool ViewportEvent(QEvent& event);
     bool TreeEvent(QEvent& event);
+    void KeyReleased(int key);
     void MakeVisible(int X, int Y);
 
     Browser& browser_;

@@ -131,11 +131,21 @@ bool FolderTree::eventFilter(QObject* watched, QEvent* event) {
 bool FolderTree::TreeEvent(QEvent& event) {
     if (event.type() == QEvent::KeyRelease) {
         const auto& key = static_cast<const QKeyEvent&>(event);
-        const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
         // A key that is held down repeats; only where it stops is the folder wanted.
-        if (moves && !key.isAutoRepeat() && !naming_->IsNaming()) TreeViewS_Click();
+        if (!key.isAutoRepeat() && !naming_->IsNaming()) KeyReleased(key.key());
     }
     return false;
+}
+
+void FolderTree::KeyReleased(int key) {
+    static constexpr int kJumps[] = {Qt::Key_Left, Qt::Key_Right,  Qt::Key_Home,
+                                     Qt::Key_End,  Qt::Key_PageUp, Qt::Key_PageDown};
+    const bool steps = key == Qt::Key_Up || key == Qt::Key_Down;
+    const auto hasMoved = [this] {
+        const FolderNode* node = SelectedNode();
+        return node != nullptr && RealPathOf(*node) != browser_.FileViewFile.Path();
+    };
+    if (steps || (std::ranges::count(kJumps, key) > 0 && hasMoved())) TreeViewS_Click();
 }
 
 bool FolderTree::ViewportEvent(QEvent& event) {

@@ -234,6 +234,14 @@ TEST_F(FileListTest, AClickLoadsAnotherFileOnce) {
     EXPECT_FALSE(session.ExportChanged);
     QTest::keyClick(list_.ListViewFile(), Qt::Key_Down);
     EXPECT_EQ(host.Count(load), 2);
+    session.ExportChanged = true;
+    QTest::keyClick(list_.ListViewFile(), Qt::Key_End);
+    EXPECT_EQ(prompts.asked.size(), 2u) << "the end is where the highlight was";
+    session.ExportChanged = false;
+    QTest::keyClick(list_.ListViewFile(), Qt::Key_Home);
+    EXPECT_EQ(host.Count("LoadPict " + folder_.File("a.bmp")), 2);
+    QTest::keyClick(list_.ListViewFile(), Qt::Key_PageDown);
+    EXPECT_EQ(host.Count(load), 3);
     ClickOn(Middle(1));
     QTest::mouseDClick(list_.ListViewFile()->viewport(), Qt::LeftButton, {}, Middle(1));
     ClickOn(Middle(0), Qt::RightButton);

@@ -65,9 +65,29 @@ TEST_F(FolderTreeTest, AClickShowsTheFolderAndAnExpandReadsBelow) {
     EXPECT_EQ(Below(InDisk("a")), (Names{"b", "e"}));
     EXPECT_EQ(Below(InDisk("a/b")), Names{"c"});
     EXPECT_TRUE(Below(InDisk("a/e")).empty());
-    QTest::keyClick(tree_.TreeViewS(), Qt::Key_Down);
-    EXPECT_EQ(browser.FileViewFile.Path(), disk_ + "/a/b");
     EXPECT_TRUE(prompts.asked.empty());
+}
+
+TEST_F(FolderTreeTest, KeysThatMoveTheHighlightShowItsFolder) {
+    GoTo(disk_ + "/a");
+    struct Row {
+        Qt::Key key;
+        std::string shown;
+    };
+    const Row rows[] = {{Qt::Key_Down, disk_ + "/a/b"},    {Qt::Key_Asterisk, disk_ + "/a/b"},
+                        {Qt::Key_Right, disk_ + "/a/b/c"}, {Qt::Key_Left, disk_ + "/a/b"},
+                        {Qt::Key_Up, disk_ + "/a"},        {Qt::Key_End, documents_},
+                        {Qt::Key_PageUp, documents_},      {Qt::Key_Down, disk_}};
+    for (const Row& row : rows) {
+        QTest::keyClick(tree_.TreeViewS(), row.key);
+        EXPECT_EQ(browser.FileViewFile.Path(), row.shown) << QKeySequence(row.key).toString().toStdString();
+    }
+    EXPECT_TRUE(InDisk("a/b").isExpanded());
+    EXPECT_FALSE(InDisk("a/b/c").isExpanded()) << "one level at a time";
+    session.ImageValid = true;
+    QTest::keyClick(tree_.TreeViewS(), Qt::Key_Left);
+    EXPECT_FALSE(Node(disk_).isExpanded());
+    EXPECT_TRUE(session.ImageValid) << "the highlight has stayed where it was";
 }
 
 TEST_F(FolderTreeTest, ADeepNodeIsScrolledToItsName) {
