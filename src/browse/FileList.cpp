@@ -62,6 +62,7 @@ void FileList::MakeColumns() {
     ListViewFile_->setHeaderLabels(headers);
     ListViewFile_->header()->setStretchLastSection(false);
     ListViewFile_->header()->setSectionsClickable(true);
+    ListViewFile_->header()->setSectionsMovable(false);
 }
 
 void FileList::SetColumnWidths() {
