@@ -17,7 +17,7 @@ constexpr TreePicture kDrivePictures[] = {
 /// remote folder, stays with its blank.
 std::string DriveText(std::string_view key, std::string_view line) {
     std::string_view label = line.substr(std::min(key.size(), line.size()));
-    if (label.starts_with(" [")) label = label.substr(2, label.size() - 3);
+    if (label.starts_with(" [") && label.ends_with(']')) label = label.substr(2, label.size() - 3);
     return std::string(label) + " (" + std::string(key) + ")";
 }
 

@@ -25,6 +25,7 @@ TEST(DriveNodeFor, ShowsLabelOrRemoteNameAndThePictureOfTheType) {
         {kDrives, {"", "a: [X]", Removable}, "A:", "A:", Floppy, false},
         {kDrives, {"", "e: [X]", Removable}, "E:", "X (E:)", RemovableDisk, false},
         {kDrives, {"", "f: \\\\h\\s", Remote}, "F:", " \\\\h\\s (F:)", NetworkDrive, true},
+        {kUnix, {"/m", "/m [fe80::1]:/s", Remote}, "/m", " [fe80::1]:/s (/m)", NetworkDrive, true},
         {kUnix, {"/", "/ [File System]", Fixed}, "/", "File System (/)", FixedDisk, true},
         {kUnix, {"/m/[a]", "/m/[a]", RamDisk}, "/m/[a]", " (/m/[a])", RemovableDisk, true},
         {kUnix, {"/m", "/m []", Undetermined}, "/m", " (/m)", UnknownDrive, true},
