@@ -50,7 +50,7 @@ int BrowseRootCode(int selector) {
 
 std::string SizeNumber(float value) {
     const float tenths = std::nearbyint(value * 10);
-    const float rounded = std::abs(tenths) <= 32767 ? tenths / 10 : value;
+    const float rounded = tenths >= -32768 && tenths <= 32767 ? tenths / 10 : value;
     char text[32];
     std::snprintf(text, sizeof text, "%.7g", static_cast<double>(rounded));
     std::string number = text;

@@ -104,6 +104,8 @@ TEST(SizeNumber, AValueThatDoesNotFitStaysUnrounded) {
     EXPECT_EQ(SizeNumber(3276.74F), "3276.7");
     EXPECT_EQ(SizeNumber(3276.78F), "3276.78");
     EXPECT_EQ(SizeNumber(5000.125F), "5000.125");
+    EXPECT_EQ(SizeNumber(-3276.78F), "-3276.8");
+    EXPECT_EQ(SizeNumber(-3276.88F), "-3276.88");
 }
 
 }  // namespace
