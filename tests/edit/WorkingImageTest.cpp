@@ -168,6 +168,41 @@ TEST(IconBitmap, LargeIconsBecomeBitmapsByTheirBytes) {
     }
 }
 
+TEST(IconBitmap, SizesFollowFromWidthAndDepth) {
+    struct Case {
+        int bits, rowSize, paletteBytes;
+    };
+    // 33 pixels wide and 2 high: the first column that needs another group of four bytes.
+    for (const Case& row :
+         {Case{1, 8, 8}, {4, 20, 64}, {8, 36, 1024}, {16, 68, 0}, {24, 100, 0}, {32, 132, 0}}) {
+        const IconSizes sizes = IconImageSizes(33, 4, row.bits);
+        EXPECT_EQ(sizes.rowSize, row.rowSize) << row.bits;
+        EXPECT_EQ(sizes.paletteBytes, row.paletteBytes) << row.bits;
+        EXPECT_EQ(sizes.maskBytes, 16) << row.bits;
+        EXPECT_EQ(sizes.total, 40 + row.paletteBytes + 2 * row.rowSize + 16) << row.bits;
+    }
+    EXPECT_EQ(BitmapImageSize(2000, 1, "Bmp"), 1992);
+    EXPECT_EQ(BitmapImageSize(2000, 4, "icon"), 1896);
+}
+
+TEST(IconBitmap, AnIconWithoutAlphaTellsItsSizes) {
+    ByteVector icon = IconFile(3, 2, 32);
+    icon[62 + 4 * 3] = 99;  // the first pixel of the second row in the file
+    const ByteVector made = test::Must(AlphaIconTo24(icon));
+    ASSERT_EQ(made.size(), 94u) << "record and header, two rows of 12 bytes, two rows of mask";
+    ByteReader reader(made);
+    const auto at = [&](std::size_t offset, int size) {
+        reader.Seek(offset);
+        return size == 2 ? reader.U16Le() : reader.U32Le();
+    };
+    EXPECT_EQ(at(12, 2), 24u);
+    EXPECT_EQ(at(14, 4), 72u);
+    EXPECT_EQ(at(22 + 14, 2), 24u);
+    EXPECT_EQ(at(22 + 20, 4), 32u);
+    EXPECT_EQ(made[62 + 12], 99);
+    EXPECT_EQ(made[62 + 24], 0x80) << "the mask";
+}
+
 TEST_F(WorkingImages, ReloadDiscardsEveryEdit) {
     Load("a.bmp", test::Encode(*ExportFormatTable()[0].codec, test::Draw("RW")));
     export_.SetImage(test::Draw("KK"));
