@@ -23,11 +23,14 @@ int Pixels(int twips) {
     return qRound(twips / double(kTwipsPerPixel));
 }
 
-/// A length that became negative leaves the control as it is.
-void Apply(QWidget* control, const Face& face) {
+/// A length that became negative leaves the control as it is. What is within another face is rounded where it
+/// stands in the window, so that edges that meet there do so to the pixel.
+void Apply(QWidget* control, const Face& face, const Face& around = {}) {
     if (face.width < 0 || face.height < 0) return;
-    const int left = Pixels(face.left), top = Pixels(face.top);
-    control->setGeometry(left, top, Pixels(face.Right()) - left, Pixels(face.Bottom()) - top);
+    const auto x = [&](int twips) { return Pixels(around.left + twips) - Pixels(around.left); };
+    const auto y = [&](int twips) { return Pixels(around.top + twips) - Pixels(around.top); };
+    control->setGeometry(x(face.left), y(face.top), x(face.Right()) - x(face.left),
+                         y(face.Bottom()) - y(face.top));
 }
 
 }  // namespace
@@ -241,10 +244,10 @@ void MainForm::ApplyFaces() {
     Apply(list_, faces_.ListViewFile);
     Apply(StatusBarSfile_, faces_.StatusBarSfile);
     Apply(Frametofile1_, faces_.Frametofile1);
-    Apply(Picturefrmfile_, faces_.Picturefrmfile);
+    Apply(Picturefrmfile_, faces_.Picturefrmfile, faces_.Frametofile1);
     for (int i : {0, 1}) {
         Apply(FrameRst_[i], faces_.FrameRst[i]);
-        Apply(panes_[i], faces_.rastx1[i]);
+        Apply(panes_[i], faces_.rastx1[i], faces_.FrameRst[i]);
         Apply(ProgressBarS_[i], faces_.ProgressBarS[i]);
     }
     for (int i : {0, 1, 2}) Apply(FrameMOve_[i], faces_.FrameMOve[i]);

@@ -157,6 +157,18 @@ TEST_F(MainFormTest, BarsTradeSpaceWhenTheyAreDroppedUntilTheNextResize) {
     EXPECT_EQ(List().parentWidget()->geometry().right(), Control("FrameS").width() - 5);
 }
 
+TEST_F(MainFormTest, ThePaneAndTheStripMeetToThePixel) {
+    ASSERT_TRUE(Load());
+    const auto inWindow = [this](const QWidget& control, int y) {
+        return control.mapTo(form_.get(), QPoint(0, y)).y();
+    };
+    for (int height = 700; height < 715; ++height) {
+        form_->resize(1000, height);
+        const QWidget& pane = form_->rastx1(0);
+        EXPECT_EQ(inWindow(pane, pane.height()), inWindow(Control("Picturefrmfile"), 0)) << height;
+    }
+}
+
 TEST_F(MainFormTest, ClosingKeepsAnUnsavedExportImageAndTheRecentPaths) {
     ASSERT_TRUE(Load());
     ClickNode(disk_ + "/photos");
