@@ -26,13 +26,14 @@ bool LoadIconByBitmap(std::string& path, std::span<Rastx* const> panes, const Lo
     const Result<void> prepared = PrepareIconBitmap(
         source, bitmap, converted, {route.session.PrivateFile(kScratchIcon), route.backColor});
     if (!converted) return false;
-    // What the fixed layout cannot take, such as a picture of 256 pixels, is shown as any other file.
     Rastx Pic_Image;
-    if (!prepared || !Pic_Image.LoadImage(bitmap)) return false;
+    const bool loaded = prepared && Pic_Image.LoadImage(bitmap);
+    Remove(bitmap);
+    // What the fixed layout cannot take, such as a picture of 256 pixels, is shown as any other file.
+    if (!loaded) return false;
     path = bitmap;
     route.clipboard.Put(Pic_Image.Image());
     for (Rastx* pane : panes) Ignore(pane->PasteClip());
-    Remove(bitmap);
     return true;
 }
 

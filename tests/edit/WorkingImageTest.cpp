@@ -140,6 +140,11 @@ TEST_F(WorkingImages, AnIconThatTheFixedLayoutCannotTakeIsStillShown) {
     Load("256.ico", test::Encode(*ico->codec, test::PhotoLike(256, 256)));
     EXPECT_EQ(import_.ImageWidth(), 256);
     EXPECT_EQ(export_.ImageWidth(), 256);
+    ByteVector icon = IconFile(128, 128, 24);
+    icon[12] = 0;  // many writers leave the depth to the image
+    Load("depth 0.ico", icon);
+    EXPECT_EQ(import_.ImageWidth(), 128);
+    EXPECT_FALSE(Exists("Bmptemptemp.bmp"));
 }
 
 TEST(IconBitmap, LargeIconsBecomeBitmapsByTheirBytes) {
