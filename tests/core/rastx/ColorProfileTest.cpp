@@ -84,6 +84,14 @@ TEST(ColorProfile, ConvertsLabSamplesThroughAProfile) {
     EXPECT_NEAR(pixels[2].b, red.b, 4);
 }
 
+TEST(ColorProfile, ConvertsInksThroughAProfile) {
+    const auto profile = ColorProfile::Open(test::CmykProfile(), SampleColors::Cmyk);
+    ASSERT_TRUE(profile);
+    Picture pixels = test::Draw("KKKKK");
+    profile->ConvertCmyk(test::Hex("00000000 FF000000 00FF0000 0000FF00 000000FF"), pixels.MutablePixels());
+    EXPECT_LE(test::LargestDifference(pixels, test::Draw("WCMYK")), 3) << test::Sketch(pixels);
+}
+
 TEST(CmykToPixels, MultipliesInkAndBlack) {
     std::array<Pixel, 5> pixels;
     CmykToPixels(test::Hex("00000000 FF000000 00FF0000 00000080 4080C080"), pixels);
