@@ -200,6 +200,34 @@ TEST(Rastx, AFailingLoadOrSaveChangesNothing) {
     EXPECT_FALSE(pane.SavePng(folder.File("no/such/folder.png")));
 }
 
+TEST(Rastx, EachSaveWritesItsFormat) {
+    const test::TemporaryFolder folder;
+    Rastx pane;
+    pane.SetImage(test::Draw("KW RG"));
+    const std::string path = folder.File("a");
+    const std::pair<std::string, Result<void>> saves[] = {
+        {"BMP", pane.SaveBmp(path + "BMP")},
+        {"GIF", pane.SaveGif(path + "GIF", true, RGB(255, 0, 0))},
+        {"JPG", pane.SaveJpg(path + "JPG", 90, false, true)},
+        {"PNG", pane.SavePng(path + "PNG")},
+        {"WBMP", pane.SaveWbmp(path + "WBMP")},
+        {"EMF", pane.SaveEmf(path + "EMF")},
+        {"TGA", pane.SaveTga(path + "TGA")},
+        {"TIF", pane.SaveTif(path + "TIF")},
+        {"WMF", pane.SaveWmf(path + "WMF")},
+        {"ICO", pane.SaveIco(path + "ICO", true, RGB(255, 0, 0))},
+    };
+    for (const auto& [format, saved] : saves) {
+        ASSERT_TRUE(saved) << format;
+        const Codec* codec = FindCodec(test::ReadWhole(path + format), format);
+        EXPECT_EQ(codec ? codec->name : "none", format);
+    }
+    for (const char* format : {"GIF", "ICO"}) {
+        test::Must(pane.LoadImage(path + format));
+        EXPECT_EQ(test::Sketch(pane.Image()), "KW .G") << format;
+    }
+}
+
 // Under the address sanitizer there is no end to the memory that a process may want.
 #ifndef __SANITIZE_ADDRESS__
 TEST(Rastx, AnEffectWithoutMemoryChangesNothing) {
