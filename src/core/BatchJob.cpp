@@ -171,8 +171,9 @@ void BatchJob::Save(const ExportFormat& format, const std::string& target) {
     const BatchAhead::Encoding encoding = EncodingOf(format);
     if (encoding.options.transparent) options_.TransparentColor = encoding.options.color;
     if (IsIcon(format)) Ignore(exportPane_.Resample(kIconSide, kIconSide, false));
-    Ignore(ahead_ ? ahead_->SaveAs(exportPane_, encoding, target)
-                  : exportPane_.SaveAs(*encoding.format, target, encoding.options));
+    const Result<void> saved = ahead_ ? ahead_->SaveAs(exportPane_, encoding, target)
+                                      : exportPane_.SaveAs(*encoding.format, target, encoding.options);
+    if (saved) lastWritten_ = target;
 }
 
 void BatchJob::OverWr(std::string& target, bool& allowed) {

@@ -79,6 +79,8 @@ class BatchJob {
     void LoadDialogprogress();
     /// The job ends at its next test, which stands before each format but PNG.
     void Cancel() { Cancelled_ = true; }
+    /// The file that was written last; empty where every save failed or was skipped.
+    const std::string& LastWritten() const { return lastWritten_; }
 
   private:
     void ConvertRows(const std::string& targetFolder);
@@ -109,6 +111,7 @@ class BatchJob {
     bool Cancelled_ = false;
     int CreatedCount_ = 0;
     int ConvertedCount_ = 0;
+    std::string lastWritten_;
 };
 
 }  // namespace tessara

@@ -2,6 +2,7 @@
 
 #include <QDesktopServices>
 #include <QUrl>
+#include <filesystem>
 
 #include "core/Text.h"
 #include "desktop/PathText.h"
@@ -16,6 +17,13 @@ std::string LinkAddress(std::string target, std::string_view kind) {
         return hasScheme ? target : "http://" + target;
     }
     return EqualIgnoringCase(kind, "MAIL") ? "mailto:" + target : target;
+}
+
+std::string FolderAddress(const std::string& folder) {
+    std::error_code ignored;
+    const std::string whole = std::filesystem::absolute(folder, ignored).string();
+    // Byte by byte, for a name that is no valid UTF-8.
+    return "file://" + QByteArray::fromStdString(whole).toPercentEncoding("/").toStdString();
 }
 
 void DesktopLinkOpener::Open(const std::string& address) {

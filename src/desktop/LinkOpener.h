@@ -10,12 +10,16 @@ namespace tessara {
 /// at its end, with the scheme that it lacks, and in lower case throughout.
 std::string LinkAddress(std::string target, std::string_view kind);
 
-/// Hands addresses to the desktop's browser and mail program.
+/// The address of a folder, given as bytes, from here if it has no separator in front.
+std::string FolderAddress(const std::string& folder);
+
+/// Hands addresses to the desktop's browser, mail program and file manager.
 class LinkOpener {
   public:
     virtual ~LinkOpener() = default;
     /// Nothing is reported where there is no such program.
     void OpenLink(const std::string& target, std::string_view kind) { Open(LinkAddress(target, kind)); }
+    void OpenFolder(const std::string& folder) { Open(FolderAddress(folder)); }
 
   protected:
     virtual void Open(const std::string& address) = 0;

@@ -118,6 +118,7 @@ void Dialogprogress::RunJob() {
     job_ = &job;
     job.LoadDialogprogress();
     job_ = nullptr;
+    lastWritten_ = job.LastWritten();
     session.ExportChanged = false;
     if (session.ConvertOptions.ConvertScope != 0) surroundings_.SelectIcoSourceIco();
 }

@@ -49,6 +49,8 @@ class Dialogprogress final : public QDialog, private BatchView, private BatchQue
     void LoadDialogprogress();
     /// The first part of LoadDialogprogress: comes back when the job is done.
     void RunJob();
+    /// Of the job that was run; empty where it wrote nothing.
+    const std::string& LastWritten() const { return lastWritten_; }
     /// Unloads the dialog; while the job runs that only asks it to end.
     void done(int result) override;
 
@@ -72,6 +74,7 @@ class Dialogprogress final : public QDialog, private BatchView, private BatchQue
     std::array<QLabel*, 2> Label1_;
     QPushButton* CancelButton_;
     BatchJob* job_ = nullptr;  ///< while it runs
+    std::string lastWritten_;
 };
 
 /// The top of the progress dialog, below the upper edge of the panes' frame as far as the screen allows: all

@@ -131,13 +131,15 @@ void MainForm::MakeBrowsing() {
     box_ = new PathBox(*browser_, FrameS_);
     list_ = new FileList(*browser_, FrameS_);
     StatusBarSico_ = new PanelBar(QStringLiteral("StatusBarSico"), QStringLiteral("Statusico"), 2, FrameS_);
+    targetFolder_ = new TargetFolderButton(services_.links, StatusBarSico_);
+    StatusBarSico_->SetEndControl(targetFolder_);
     StatusBarSfile_ =
         new PanelBar(QStringLiteral("StatusBarSfile"), QStringLiteral("Statusfile"), 3, FrameS_);
     // As a reader goes: folders, their path, the files, then what is done with them.
     QWidget* previous = tree_->TreeViewS();
     for (QWidget* next :
          std::initializer_list<QWidget*>{box_->ImageComboPath(), list_->ListViewFile(), panes_[0],
-                                         CommandCon_[1], CommandCon_[0], panes_[1]}) {
+                                         CommandCon_[1], CommandCon_[0], panes_[1], targetFolder_}) {
         setTabOrder(previous, next);
         previous = next;
     }

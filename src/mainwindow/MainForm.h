@@ -34,6 +34,7 @@
 #include "mainwindow/Help.h"
 #include "mainwindow/MainMenu.h"
 #include "mainwindow/PanelBar.h"
+#include "mainwindow/TargetFolderButton.h"
 #include "mainwindow/Toolbar.h"
 #include "settings/dialogs/OptionsHost.h"
 #include "view/Viewers.h"
@@ -220,6 +221,7 @@ class MainForm final : public QMainWindow,
     PathBox* box_ = nullptr;
     PanelBar* StatusBarSico_ = nullptr;
     PanelBar* StatusBarSfile_ = nullptr;
+    TargetFolderButton* targetFolder_ = nullptr;
     std::array<QWidget*, 2> FrameRst_{};
     std::array<RastxPane*, 2> panes_{};
     QWidget* Frametofile1_ = nullptr;

@@ -109,12 +109,14 @@ void MainForm::ShowDialogTrcol() {
 }
 
 void MainForm::Convert() {
+    targetFolder_->Withdraw();
     ListedFiles files(*list_);
     Dialogprogress dialog({session_, rastx1(1).rastx(), files, services_.prompts, FrameRst_[0],
                            [this](bool on) { BusyCursor(on); }, [this] { summary_->SelectIcoSourceIco(); }},
                           this);
     connect(toolbar_, &Toolbar::ProgressToFront, &dialog, &QWidget::raise);
     dialog.LoadDialogprogress();
+    if (!dialog.LastWritten().empty()) targetFolder_->Offer(dialog.LastWritten());
 }
 
 }  // namespace tessara

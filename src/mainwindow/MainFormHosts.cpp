@@ -38,6 +38,8 @@ void MainForm::Setvalid(bool valid) {
 
 void MainForm::ClearPanes() {
     for (RastxPane* pane : panes_) pane->rastx().ClearImage();
+    // The list is made anew: what was done with the one before is over.
+    targetFolder_->Withdraw();
 }
 
 void MainForm::ClearSelection() {

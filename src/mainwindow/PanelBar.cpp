@@ -38,12 +38,27 @@ void PanelBar::SetPanelWidth(int panel, int width) {
     Place();
 }
 
+void PanelBar::SetEndControl(QWidget* control) {
+    endControl_ = control;
+    control->installEventFilter(this);
+    Place();
+}
+
+/// The right end of what is left for the panels.
+int PanelBar::PlaceEndControl() {
+    if (endControl_ == nullptr || endControl_->isHidden()) return width();
+    const int wanted = endControl_->sizeHint().width();
+    endControl_->setGeometry(width() - wanted, 0, wanted, height());
+    return width() - wanted;
+}
+
 void PanelBar::Place() {
+    const int end = PlaceEndControl();
     int left = 0;
     for (std::size_t i = 0; i < panels_.size(); ++i) {
         Panel& panel = panels_[i];
         panel.left = left;
-        panel.end = i + 1 == panels_.size() ? width() : left + panel.width;
+        panel.end = i + 1 == panels_.size() ? end : std::min(end, left + panel.width);
         left = panel.end;
     }
     for (std::size_t i = 0; i < panels_.size(); ++i) ShowText(i);
@@ -69,6 +84,11 @@ void PanelBar::ShowText(std::size_t index) {
 void PanelBar::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     Place();
+}
+
+bool PanelBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShowToParent || event->type() == QEvent::HideToParent) Place();
+    return QWidget::eventFilter(watched, event);
 }
 
 void PanelBar::paintEvent(QPaintEvent*) {

@@ -15,10 +15,13 @@ class PanelBar : public QWidget {
     QString Text(int panel) const;
     /// Pixels; what the last panel has is what is left of the bar.
     void SetPanelWidth(int panel, int width);
+    /// Stands at the bar's right end while it is shown; the panels' texts then leave it its room.
+    void SetEndControl(QWidget* control);
 
   protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     struct Panel {
@@ -27,11 +30,13 @@ class PanelBar : public QWidget {
         int width = 0;
         int left = 0, end = 0;
     };
+    int PlaceEndControl();
     void Place();
     void ShowText(std::size_t index);
     Panel& At(int panel) { return panels_[static_cast<std::size_t>(panel - 1)]; }
 
     std::vector<Panel> panels_;
+    QWidget* endControl_ = nullptr;
 };
 
 }  // namespace tessara

@@ -30,5 +30,12 @@ TEST(LinkOpener, AddressesGetTheirSchemeAndLowerCase) {
     }
 }
 
+TEST(LinkOpener, FoldersKeepEveryByteOfTheirNames) {
+    EXPECT_EQ(FolderAddress("/home/Ann/A b#c?d%e"), "file:///home/Ann/A%20b%23c%3Fd%25e");
+    EXPECT_EQ(FolderAddress("/\xc3\xa4\xff/"), "file:///%C3%A4%FF/");
+    EXPECT_TRUE(FolderAddress("new").starts_with("file:///"));
+    EXPECT_TRUE(FolderAddress("new").ends_with("/new"));
+}
+
 }  // namespace
 }  // namespace tessara

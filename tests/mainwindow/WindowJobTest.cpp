@@ -210,6 +210,33 @@ TEST_F(WindowJobTest, AFolderThatMayNotBeWrittenKeepsItsFiles) {
     EXPECT_EQ(TakeTargets(), (Widths{{"a.png", 0}}));
 }
 
+TEST_F(WindowJobTest, TheFolderOfTheLastFileIsOfferedUntilTheNextJobOrList) {
+    Open();
+    const QWidget& offer = Control("TargetFolderButton");
+    EXPECT_FALSE(offer.isVisible());
+    const std::string start = "file://" + disk_;
+
+    Convert(Qt::Key_F4, 1);
+    ClickAt(offer, offer.rect().center());
+    QApplication::setActiveWindow(form_.get());
+    QTest::keyClick(form_->windowHandle(), Qt::Key_N, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return links_.opened.size() == 2; }))
+        << "a key's click takes a moment";
+    EXPECT_EQ(links_.opened, Names(2, start + "/out/"));
+
+    Convert(Qt::Key_F4, 2);
+    EXPECT_FALSE(offer.isVisible()) << "nothing was written";
+
+    prompts_.answers = {Answer::No};
+    prompts_.files = {disk_ + "/photos/old/d.png"};
+    Convert(Qt::Key_F2, 0);
+    ClickAt(offer, offer.rect().center());
+    EXPECT_EQ(links_.opened.back(), start + "/photos/old/") << "chosen for that file";
+
+    ClickNode(disk_);
+    EXPECT_FALSE(offer.isVisible());
+}
+
 TEST_F(WindowJobTest, OnlyMarkedFilesOfTheListLeaveTheDisk) {
     Open();
     MakePicture("photos/old/a.bmp", 3);
