@@ -57,7 +57,8 @@ class Conversions:
         return self.targets / f"target.{suffix}"
 
     def command(self, suffix):
-        return [self.program, "-O", f"{self.source},{self.target(suffix)}"]
+        """From its folder, where reports go."""
+        return ["env", "-C", self.folder, self.program, "-O", f"{self.source},{self.target(suffix)}"]
 
     def prepare(self, suffix, exists):
         for path in self.targets.iterdir():
