@@ -11,7 +11,9 @@
 #include "artwork/Artwork.h"
 #include "artwork/FieldColors.h"
 #include "browse/FileTable.h"
+#include "browse/MarkKeys.h"
 #include "browse/SelectionSummary.h"
+#include "browse/SpokenFileTable.h"
 #include "desktop/ConfirmDiscardExport.h"
 #include "desktop/PathText.h"
 
@@ -35,6 +37,7 @@ FileList::FileList(Browser& browser, QWidget* parent)
       table_(new FileTable(this)),
       ListViewFile_(table_),
       ImageListFile_{Artwork("file")} {
+    SpeakAsTable(ListViewFile_);
     ListViewFile_->setObjectName("ListViewFile");
     ListViewFile_->setAccessibleName(QStringLiteral("Files"));
     ListViewFile_->setItemDelegate(new FileRowDelegate(ListViewFile_));
@@ -72,10 +75,13 @@ void FileList::SetColumnWidths() {
 
 void FileList::ConnectTable() {
     ListViewFile_->installEventFilter(this);
+    new MarkKeys(ListViewFile_, [this] { ListViewFile_Click(); });
     ListViewFile_->viewport()->installEventFilter(this);
     connect(ListViewFile_->header(), &QHeaderView::sectionClicked, this, &FileList::HeaderClicked);
-    connect(ListViewFile_, &QTreeWidget::itemChanged, this,
-            [this] { browser_.summary->SelectIcoSourceIco(); });
+    connect(ListViewFile_, &QTreeWidget::itemChanged, this, [this](QTreeWidgetItem* row) {
+        browser_.summary->SelectIcoSourceIco();
+        TellCheck(row);
+    });
     connect(ListViewFile_, &QTreeWidget::itemClicked, this, [this] {
         browser_.summary->SelectIcoSourceIco();
         if (!pressedOnCheckBox_) ListViewFile_Click();
@@ -93,22 +99,16 @@ bool FileList::eventFilter(QObject* watched, QEvent* event) {
         browser_.host.PopMenu("File");
         return true;
     }
-    if (event->type() == QEvent::KeyRelease && watched == ListViewFile_) {
-        const auto& key = static_cast<const QKeyEvent&>(*event);
-        // A key that is held down repeats; only where it stops is the file wanted.
-        if (!key.isAutoRepeat()) KeyReleased(key.key());
-    }
-    return false;
+    return event->type() == QEvent::KeyPress && SortedByKey(static_cast<const QKeyEvent&>(*event));
 }
 
-void FileList::KeyReleased(int key) {
-    static constexpr int kJumps[] = {Qt::Key_Home, Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
-    const bool steps = key == Qt::Key_Up || key == Qt::Key_Down;
-    const auto hasMoved = [this] {
-        const int row = SelectedRow();
-        return row >= 0 && KeyOf(row) != CurrentFile_.Key;
-    };
-    if (steps || (std::ranges::count(kJumps, key) > 0 && hasMoved())) ListViewFile_Click();
+/// Ctrl and a digit are a click on the header of that number.
+bool FileList::SortedByKey(const QKeyEvent& key) {
+    const int section = key.key() - Qt::Key_1;
+    const bool isSection = section >= 0 && section < static_cast<int>(std::size(kColumns));
+    if (!isSection || !key.modifiers().testFlag(Qt::ControlModifier)) return false;
+    HeaderClicked(section);
+    return true;
 }
 
 void FileList::showEvent(QShowEvent* event) {
@@ -132,6 +132,7 @@ void FileList::HeaderClicked(int section) {
 
 void FileList::SortRows() {
     ListViewFile_->sortItems(SortKey_, SortOrder_);
+    TellNewOrder(ListViewFile_);
 }
 
 std::string FileList::KeyOf(int row) const {

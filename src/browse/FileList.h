@@ -63,8 +63,8 @@ class FileList : public QWidget {
     void MakeColumns();
     void SetColumnWidths();
     void ConnectTable();
-    void KeyReleased(int key);
     void HeaderClicked(int section);
+    bool SortedByKey(const QKeyEvent& key);
     void SortRows();
     /// None where the current file has left the table.
     void HighlightCurrentFile();

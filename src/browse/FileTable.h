@@ -1,5 +1,6 @@
 #pragma once
 
+#include "artwork/FocusFramed.h"
 #include "browse/OneLineDelegate.h"
 #include "browse/SteadyTree.h"
 
@@ -15,9 +16,9 @@ class FileRowDelegate final : public OneLineDelegate {
 };
 
 /// A table in which a click on a check box leaves the highlight where it is: it marks the file in the panes.
-class FileTable final : public SteadyTree {
+class FileTable final : public FocusFramed<SteadyTree> {
   public:
-    using SteadyTree::SteadyTree;
+    using FocusFramed::FocusFramed;
 
     bool IsOnCheckBox(const QPoint& position) const;
 

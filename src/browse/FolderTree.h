@@ -85,9 +85,6 @@ class FolderTree : public QWidget {
     void NodeExpanded(FolderNode& node);
     bool MousePressed(const QPoint& position, Qt::MouseButton button);
     void MouseReleased(const QPoint& position, Qt::MouseButton button);
-    bool ViewportEvent(QEvent& event);
-    bool TreeEvent(QEvent& event);
-    void KeyReleased(int key);
     void MakeVisible(int X, int Y);
 
     Browser& browser_;

@@ -7,9 +7,11 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "artwork/FocusFramed.h"
 #include "browse/FileList.h"
 #include "browse/FolderNaming.h"
 #include "browse/FolderTree.h"
+#include "browse/MarkKeys.h"
 #include "browse/SteadyTree.h"
 #include "browse/TreeDelegate.h"
 
@@ -22,9 +24,9 @@ constexpr int kIndentation = 13;  ///< pixels a level: in a narrow tree a deep f
 }  // namespace
 
 /// A tree that knows whether the user is at work: nodes also expand when one below them is shown.
-class FolderTree::View final : public SteadyTree {
+class FolderTree::View final : public FocusFramed<SteadyTree> {
   public:
-    using SteadyTree::SteadyTree;
+    using FocusFramed::FocusFramed;
     bool HasInput() const { return hasInput_; }
 
     void scrollTo(const QModelIndex& index, ScrollHint hint) override {
@@ -103,7 +105,9 @@ void FolderTree::ConnectTree() {
     TreeViewS_->setIndentation(kIndentation);
     TreeViewS_->setEditTriggers(QAbstractItemView::NoEditTriggers);
     TreeViewS_->setAcceptDrops(true);
-    TreeViewS_->installEventFilter(this);
+    new MarkKeys(TreeViewS_, [this] {
+        if (!naming_->IsNaming()) TreeViewS_Click();
+    });
     TreeViewS_->viewport()->installEventFilter(this);
     connect(TreeViewS_, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* node) {
         if (!view_->HasInput()) return;
@@ -124,33 +128,10 @@ void FolderTree::NodeExpanded(FolderNode& node) {
     ExpandPending_ = true;
 }
 
-bool FolderTree::eventFilter(QObject* watched, QEvent* event) {
-    return watched == TreeViewS_ ? TreeEvent(*event) : ViewportEvent(*event);
-}
-
-bool FolderTree::TreeEvent(QEvent& event) {
-    if (event.type() == QEvent::KeyRelease) {
-        const auto& key = static_cast<const QKeyEvent&>(event);
-        // A key that is held down repeats; only where it stops is the folder wanted.
-        if (!key.isAutoRepeat() && !naming_->IsNaming()) KeyReleased(key.key());
-    }
-    return false;
-}
-
-void FolderTree::KeyReleased(int key) {
-    static constexpr int kJumps[] = {Qt::Key_Left, Qt::Key_Right,  Qt::Key_Home,
-                                     Qt::Key_End,  Qt::Key_PageUp, Qt::Key_PageDown};
-    const bool steps = key == Qt::Key_Up || key == Qt::Key_Down;
-    const auto hasMoved = [this] {
-        const FolderNode* node = SelectedNode();
-        return node != nullptr && RealPathOf(*node) != browser_.FileViewFile.Path();
-    };
-    if (steps || (std::ranges::count(kJumps, key) > 0 && hasMoved())) TreeViewS_Click();
-}
-
-bool FolderTree::ViewportEvent(QEvent& event) {
-    const auto mouse = [&]() -> QMouseEvent& { return static_cast<QMouseEvent&>(event); };
-    switch (event.type()) {
+/// What the mouse does on the viewport.
+bool FolderTree::eventFilter(QObject*, QEvent* event) {
+    const auto mouse = [&]() -> QMouseEvent& { return static_cast<QMouseEvent&>(*event); };
+    switch (event->type()) {
         case QEvent::MouseButtonPress:
             return MousePressed(mouse().position().toPoint(), mouse().button());
         case QEvent::MouseButtonDblClick:
@@ -163,7 +144,7 @@ bool FolderTree::ViewportEvent(QEvent& event) {
             return false;
         case QEvent::DragEnter:
         case QEvent::DragMove: {
-            auto& drag = static_cast<QDragMoveEvent&>(event);
+            auto& drag = static_cast<QDragMoveEvent&>(*event);
             const QPoint position = drag.position().toPoint();
             TreeViewS_DragOver(position.x() * kTwipsPerPixel, position.y() * kTwipsPerPixel);
             drag.setDropAction(Qt::IgnoreAction);

@@ -68,6 +68,9 @@ PathBox::PathBox(Browser& browser, QWidget* parent)
     : QWidget(parent), browser_(browser), ImageComboPath_(new PathCombo(this)) {
     ImageComboPath_->setObjectName("ImageComboPath");
     ImageComboPath_->setEditable(true);
+    // A box with a list is spoken of by its text.
+    ImageComboPath_->setAccessibleDescription(QStringLiteral("Path of the folder"));
+    ImageComboPath_->lineEdit()->setAccessibleName(QStringLiteral("Path of the folder"));
     ImageComboPath_->setInsertPolicy(QComboBox::NoInsert);
     ImageComboPath_->setCompleter(nullptr);
     ImageComboPath_->setMaxVisibleItems(kMostItems + 1);

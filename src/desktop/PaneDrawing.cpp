@@ -50,4 +50,13 @@ void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth) {
     DrawFrame(painter, rectangle, pen);
 }
 
+void DrawMark(QPainter& painter, const QPoint& point, int lineWidth) {
+    constexpr int kArm = 6, kGap = 2;  // the point itself stays in sight
+    for (const auto& [color, width] : {std::pair{Qt::black, 3 * lineWidth}, {Qt::white, lineWidth}}) {
+        painter.setPen(QPen(color, width, Qt::SolidLine, Qt::FlatCap));
+        for (const QPoint& way : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1)})
+            painter.drawLine(point + kGap * lineWidth * way, point + (kGap + kArm) * lineWidth * way);
+    }
+}
+
 }  // namespace tessara

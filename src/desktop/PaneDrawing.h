@@ -16,5 +16,7 @@ QImage OnBoard(const QImage& image, const QRect& part, const QPoint& corner, int
 void DrawFrame(QPainter& painter, const QRect& rectangle, QPen pen);
 /// The rubber band: a dashed line of black and white, so that it shows on every picture.
 void DrawBand(QPainter& painter, const QRect& rectangle, int lineWidth);
+/// A cross around a point, likewise.
+void DrawMark(QPainter& painter, const QPoint& point, int lineWidth);
 
 }  // namespace tessara

@@ -13,6 +13,7 @@
 #include "core/rastx/effects/Resample.h"
 #include "desktop/PaneDrawing.h"
 #include "desktop/PictureImage.h"
+#include "desktop/SpokenRole.h"
 
 namespace tessara {
 namespace {
@@ -45,7 +46,9 @@ RastxPane::RastxPane(Rastx::Surroundings surroundings, QWidget* parent)
       }()) {
     setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::StrongFocus);
+    SetSpokenRole(this, QAccessible::Graphic);
     setAccessibleName(tr("Picture"));
+    setAccessibleDescription(Description());
     viewport()->setBackgroundRole(QPalette::Mid);
     viewport()->setMouseTracking(true);
     connect(horizontalScrollBar(), &QScrollBar::valueChanged, this, &RastxPane::KeepMiddle);
@@ -65,13 +68,20 @@ void RastxPane::RastxChanged() {
     revision_ = rastx_.Revision();
     if (rastx_.ImageWidth() == 0) middle_ = {0.5, 0.5};
     UpdateScrollBars();
+    setAccessibleDescription(Description());
     Q_EMIT ImageChanged();
+}
+
+QString RastxPane::Description() const {
+    if (rastx_.ImageWidth() == 0) return tr("Empty");
+    return tr("%1 x %2 pixels").arg(rastx_.ImageWidth()).arg(rastx_.ImageHeight());
 }
 
 bool RastxPane::event(QEvent* event) {
     // Another screen may have another scale factor, and then other pixels.
     if (event->type() == QEvent::ScreenChangeInternal) UpdateScrollBars();
-    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut) viewport()->update();
+    if (event->type() == QEvent::FocusIn) viewport()->update();
+    if (event->type() == QEvent::FocusOut) HideMark();
     return QAbstractScrollArea::event(event);
 }
 
@@ -109,9 +119,16 @@ void RastxPane::paintEvent(QPaintEvent* event) {
     if (const QRect selection = Selection(); !selection.isEmpty())
         DrawBand(painter, geometry.ViewRectangle(selection), lineWidth);
     // The style's own mark would tint the picture.
-    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange))
-        DrawFrame(painter, QRect(QPoint(), InPixels(viewport()->size())),
-                  QPen(palette().color(QPalette::Highlight), lineWidth));
+    if (hasFocus() && window()->testAttribute(Qt::WA_KeyboardFocusChange)) DrawFocus(painter, 2 * lineWidth);
+    if (mark_) DrawMark(painter, ViewPoint(*mark_), lineWidth);
+}
+
+/// Along what is seen of the pane: other parts of the window may lie on its edges.
+void RastxPane::DrawFocus(QPainter& painter, int lineWidth) const {
+    const QRect seen = viewport()->visibleRegion().boundingRect();
+    const QPoint corner = ViewPoint(seen.topLeft());
+    DrawFrame(painter, QRect(corner, InPixels(seen.size())),
+              QPen(palette().color(QPalette::Highlight), lineWidth));
 }
 
 void RastxPane::DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed) {
@@ -181,19 +198,17 @@ void RastxPane::ScrollTowards(const QPoint& position) {
     ScrollTo(Scroll() + QPoint(beyond(position.x(), view.width()), beyond(position.y(), view.height())));
 }
 
-void RastxPane::keyPressEvent(QKeyEvent* event) {
-    // Keys that do nothing here are for the window.
-    if (CanScroll())
-        QAbstractScrollArea::keyPressEvent(event);
-    else
-        event->ignore();
-}
-
 // The mouse.
 
 void RastxPane::MoveMouse(const QPointF& position) {
     const QPoint point = Geometry().PicturePoint(ViewPoint(position));
     rastx_.MoveMouse(point.x(), point.y());
+}
+
+void RastxPane::BeginPress(const QPointF& position) {
+    MoveMouse(position);
+    pressed_ = true;
+    Q_EMIT ImageMouseDown();
 }
 
 void RastxPane::EndPress() {
@@ -210,12 +225,12 @@ void RastxPane::mousePressEvent(QMouseEvent* event) {
     }
     if (event->button() != Qt::LeftButton || !Geometry().Target().contains(ViewPoint(event->position())))
         return;
-    MoveMouse(event->position());
-    pressed_ = true;
-    Q_EMIT ImageMouseDown();
+    HideMark();
+    BeginPress(event->position());
 }
 
 void RastxPane::mouseMoveEvent(QMouseEvent* event) {
+    if (mark_) HideMark();
     if (dragging_) ScrollTo(dragStart_ - ViewPoint(event->position()));
     // The button may have come up while a dialog of a handler had the mouse.
     if (pressed_ && !event->buttons().testFlag(Qt::LeftButton)) EndPress();
@@ -238,6 +253,8 @@ void RastxPane::mouseDoubleClickEvent(QMouseEvent* event) {
 }
 
 void RastxPane::contextMenuEvent(QContextMenuEvent* event) {
+    // The Menu key is for the window, which knows where to open a menu without the mouse.
+    if (event->reason() == QContextMenuEvent::Keyboard) return event->ignore();
     if (!pressed_) Q_EMIT ImageRightClick();
     event->accept();
 }

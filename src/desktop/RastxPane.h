@@ -2,6 +2,7 @@
 
 #include <QAbstractScrollArea>
 #include <QPointF>
+#include <optional>
 
 #include "core/rastx/Rastx.h"
 #include "desktop/ViewGeometry.h"
@@ -9,8 +10,10 @@
 namespace tessara {
 
 /// The imaging pane on screen: shows the picture of its Rastx and lets the user drag out a rectangle.
-/// The middle button drags a picture that is larger than the view, the arrow keys scroll it. Mouse events
-/// reach the pane through its viewport().
+/// Its accessible description tells the picture's size.
+/// The middle button drags a picture that is larger than the view, the arrow keys scroll it. In any other the
+/// keys do what the mouse does: the arrows move a mark, with Ctrl in longer steps, with Shift they drag the
+/// rectangle, and Space clicks. Mouse events reach the pane through its viewport().
 class RastxPane : public QAbstractScrollArea {
     Q_OBJECT
   public:
@@ -47,6 +50,7 @@ class RastxPane : public QAbstractScrollArea {
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void keyReleaseEvent(QKeyEvent* event) override;
 
   private:
     /// What was last computed for the screen, so that repainting costs no more than copying it there.
@@ -67,9 +71,11 @@ class RastxPane : public QAbstractScrollArea {
     QRect Selection() const;
     ViewGeometry Geometry() const;
     void RastxChanged();
+    QString Description() const;
 
     DrawnFrom Source(const ViewGeometry& geometry);
     Result<Picture> Compute(const ViewGeometry& geometry, const QRect& part) const;
+    void DrawFocus(QPainter& painter, int lineWidth) const;
     void DrawPicture(QPainter& painter, const ViewGeometry& geometry, const QRect& exposed);
 
     bool CanScroll() const;
@@ -81,7 +87,11 @@ class RastxPane : public QAbstractScrollArea {
 
     QPoint ViewPoint(const QPointF& position) const { return (position * PixelRatio()).toPoint(); }
     void MoveMouse(const QPointF& position);
+    void BeginPress(const QPointF& position);
     void EndPress();
+    void MoveMark(const QPoint& step, bool drags);
+    void ClickMark();
+    void HideMark();
 
     Rastx rastx_;
     int ViewMode_ = 0;
@@ -90,6 +100,7 @@ class RastxPane : public QAbstractScrollArea {
     QPointF middle_{0.5, 0.5};  ///< where the middle of the view lies in the picture, as parts of its sides
     bool placing_ = false;      ///< the scroll bars move by themselves
     bool pressed_ = false;      ///< ImageMouseDown was raised, ImageMouseUp is to follow
+    std::optional<QPointF> mark_;  ///< where the keys have led, in the view; none while the mouse is used
     bool dragging_ = false;
     QPoint dragStart_;  ///< the point of the picture that the mouse holds
 };

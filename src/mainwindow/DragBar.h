@@ -4,7 +4,7 @@
 
 namespace tessara {
 
-/// A bar between two areas that the user drags; it only tells what the mouse does.
+/// A bar between two areas that the user drags, or moves with the arrow keys; it only tells what they do.
 class DragBar : public QWidget {
     Q_OBJECT
   public:
@@ -15,11 +15,14 @@ class DragBar : public QWidget {
     /// Where the pointer is, from the bar's corner, in pixels.
     void MouseMove(int x, int y);
     void MouseUp();
+    /// An arrow key moves the bar by so many pixels.
+    void Step(int pixels);
 
   protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:

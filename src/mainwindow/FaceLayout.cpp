@@ -82,6 +82,13 @@ void FaceLayout::Drop(int index) {
     for (int i : {0, 1, 2}) ShowGhost(i);
 }
 
+void FaceLayout::Step(int index, int distance) {
+    ShowGhost(index);
+    const int way = distance + kDropOffset[index];
+    MoveGhost(index, way, way);
+    Drop(index);
+}
+
 void FaceLayout::DropTreeBar() {
     const int delta = PictureBLKCHG[0].left - FrameMOve[0].left;
     for (int* width : {&TreeViewS.width, &ImageComboPath.width, &optionsPanelWidth, &FrameMOve[0].left})

@@ -39,6 +39,8 @@ struct FaceLayout {
     void ShowGhost(int index) { PictureBLKCHG[index] = GhostAt(index); }
     /// Drops a bar where its ghost is: everything beside it gives way.
     void Drop(int index);
+    /// As if the bar were dragged that far.
+    void Step(int index, int distance);
 
   private:
     Face GhostAt(int index) const;

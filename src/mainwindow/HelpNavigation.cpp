@@ -23,11 +23,10 @@ QTreeWidgetItem* MakeItem(const HelpEntry& entry) {
 
 }  // namespace
 
-HelpContents::HelpContents(const std::vector<HelpEntry>& contents, QWidget* parent) : QTreeWidget(parent) {
+HelpContents::HelpContents(const std::vector<HelpEntry>& contents, QWidget* parent) : FocusFramed(parent) {
     setObjectName(QStringLiteral("HelpContents"));
     setAccessibleName(QStringLiteral("Contents"));
     setHeaderHidden(true);
-    setFrameShape(QFrame::NoFrame);
     for (const HelpEntry& chapter : contents) addTopLevelItem(MakeItem(chapter));
     expandToDepth(0);
     const auto choose = [this](const QTreeWidgetItem* item) {
@@ -54,7 +53,7 @@ void HelpContents::ShowTopic(const QString& topic) {
 }
 
 HelpIndex::HelpIndex(const std::vector<HelpEntry>& index, QWidget* parent)
-    : QWidget(parent), word_(new QLineEdit), words_(new QListWidget) {
+    : QWidget(parent), word_(new QLineEdit), words_(new FocusFramed<QListWidget>) {
     word_->setPlaceholderText(QStringLiteral("Type a word"));
     word_->setAccessibleName(QStringLiteral("Word to look for"));
     word_->setClearButtonEnabled(true);
@@ -62,7 +61,6 @@ HelpIndex::HelpIndex(const std::vector<HelpEntry>& index, QWidget* parent)
     setFocusProxy(word_);
     words_->setObjectName(QStringLiteral("HelpIndex"));
     words_->setAccessibleName(QStringLiteral("Index"));
-    words_->setFrameShape(QFrame::NoFrame);
     for (const HelpEntry& entry : index) {
         auto* item = new QListWidgetItem(entry.title, words_);
         item->setData(kTopicRole, entry.topic);

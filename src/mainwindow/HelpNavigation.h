@@ -5,12 +5,13 @@
 #include <QTreeWidget>
 #include <vector>
 
+#include "artwork/FocusFramed.h"
 #include "mainwindow/HelpTable.h"
 
 namespace tessara {
 
 /// The contents of the help as a tree.
-class HelpContents final : public QTreeWidget {
+class HelpContents final : public FocusFramed<QTreeWidget> {
     Q_OBJECT
   public:
     HelpContents(const std::vector<HelpEntry>& contents, QWidget* parent);

@@ -25,10 +25,9 @@ constexpr char kDrawnAccent[] = "#0f8f88";
 
 }  // namespace
 
-HelpPage::HelpPage(QString folder, QWidget* parent) : QTextBrowser(parent), folder_(std::move(folder)) {
+HelpPage::HelpPage(QString folder, QWidget* parent) : FocusFramed(parent), folder_(std::move(folder)) {
     setObjectName(QStringLiteral("HelpPage"));
     setAccessibleName(QStringLiteral("Page"));
-    setFrameShape(QFrame::NoFrame);
     document()->setDocumentMargin(kMargin);
 }
 

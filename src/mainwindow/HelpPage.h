@@ -2,10 +2,12 @@
 
 #include <QTextBrowser>
 
+#include "artwork/FocusFramed.h"
+
 namespace tessara {
 
 /// Shows the pages of a folder, in the palette's colours.
-class HelpPage final : public QTextBrowser {
+class HelpPage final : public FocusFramed<QTextBrowser> {
     Q_OBJECT
   public:
     HelpPage(QString folder, QWidget* parent);

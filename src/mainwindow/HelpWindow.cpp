@@ -6,11 +6,13 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
+#include <QTabBar>
 #include <QVBoxLayout>
 #include <QWindow>
 
 #include "artwork/Artwork.h"
 #include "desktop/PathText.h"
+#include "desktop/SpokenRole.h"
 #include "mainwindow/Product.h"
 
 namespace tessara {
@@ -43,6 +45,7 @@ HelpWindow::HelpWindow(const std::string& folder)
       tools_(new ToolStrip({1, 6, 11}, this)),
       sides_(new QTabWidget),
       page_(new HelpPage(ShownText(folder), this)) {
+    SetSpokenRole(this, QAccessible::Window);
     setObjectName(QStringLiteral("HelpWindow"));
     setWindowTitle(QLatin1String(kProductCaption) + QLatin1String("Help"));
     setWindowIcon(Artwork("tessara"));
@@ -103,6 +106,12 @@ void HelpWindow::AddKeys() {
     add(QKeySequence::ZoomOut, press(kZoomOut));
     add(Qt::CTRL | Qt::Key_0, [this] { page_->ResetZoom(); });
     add(Qt::Key_Escape, [this] { close(); });
+    add(Qt::Key_F6, [this] { (page_->hasFocus() ? sides_->currentWidget() : page_)->setFocus(); });
+    // Who asks for the contents by their letter means to walk through them; the tabs themselves keep the
+    // keys.
+    connect(sides_, &QTabWidget::currentChanged, this, [this] {
+        if (!sides_->tabBar()->hasFocus()) sides_->currentWidget()->setFocus();
+    });
 }
 
 void HelpWindow::DisplayIndex(const std::string& page) {

@@ -3,11 +3,13 @@
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <span>
 #include <utility>
 
 #include "artwork/Artwork.h"
+#include "desktop/SpokenRole.h"
 #include "mainwindow/Product.h"
 
 namespace tessara {
@@ -70,6 +72,16 @@ constexpr int kPicture = 64;
 constexpr int kTextWidth = 360;
 constexpr int kMargin = 20;
 
+/// A label that is nothing but a link, which is marked as soon as the Tab key leads to it; the toolkit's own
+/// takes the key twice.
+class LinkLabel final : public QLabel {
+  protected:
+    void focusInEvent(QFocusEvent* event) override {
+        QLabel::focusInEvent(event);
+        QLabel::focusNextPrevChild(true);
+    }
+};
+
 QLabel* MakeText(const char* text) {
     QString shown = QString::fromUtf8(text);
     shown.replace(QLatin1String("VERSION"), QLatin1String(kVersionText));
@@ -128,12 +140,16 @@ InformationForm::InformationForm(const InformationText& text, OpenLinkFunction o
     layout->addLayout(BesideIcon(*this, texts));
     layout->addWidget(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    buttons->button(QDialogButtonBox::Ok)->setFocus();  // Enter closes the form, and opens no link
 }
 
 QLabel* InformationForm::MakeLink(const InformationLink& link) {
     const QString target = QLatin1String(link.target);
     const QString color = ArtworkAccent(palette()).name();
-    auto* label = new QLabel(QStringLiteral("<a href=\"%1\" style=\"color: %2\">%1</a>").arg(target, color));
+    auto* label = new LinkLabel;
+    SetSpokenRole(label, QAccessible::Link);
+    label->setAccessibleName(target);
+    label->setText(QStringLiteral("<a href=\"%1\" style=\"color: %2\">%1</a>").arg(target, color));
     label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
     connect(label, &QLabel::linkActivated, this, [this, &link] { OpenLink_(link.target, link.kind); });
     return label;

@@ -4,6 +4,7 @@
 #include <QCloseEvent>
 #include <QKeyEvent>
 
+#include "browse/PathWalk.h"
 #include "core/SystemVersion.h"
 #include "desktop/PathText.h"
 #include "edit/dialogs/DialogResize.h"
@@ -100,6 +101,7 @@ void MainForm::ConnectPanes() {
 }
 
 void MainForm::ConnectMenus() {
+    WatchMenuKey();
     connect(menus_->Menu("mnFile"), &QMenu::aboutToShow, this, &MainForm::SetmnFile);
     connect(menus_->Menu("mnEdit"), &QMenu::aboutToShow, this, &MainForm::CheckPaste);
     connect(toolbar_, &Toolbar::SlidesToFront, viewers_.get(), &Viewers::SlidesToFront);
@@ -143,6 +145,12 @@ void MainForm::MakeBrowsing() {
         setTabOrder(previous, next);
         previous = next;
     }
+    // The bars come last, behind the toolbar.
+    previous = toolbar_->Imagetool(static_cast<int>(ToolButtons().size()) - 1);
+    for (QWidget* bar : FrameMOve_) {
+        setTabOrder(previous, bar);
+        previous = bar;
+    }
 }
 
 Rastx::Surroundings MainForm::PaneSurroundings() const {
@@ -160,16 +168,31 @@ void MainForm::MakePanes() {
     }
     panes_[0]->setAccessibleName(QStringLiteral("Import image"));
     panes_[1]->setAccessibleName(QStringLiteral("Export image"));
+    for (RastxPane* pane : panes_)
+        connect(pane, &RastxPane::ImageChanged, this, [this, pane] { NamePicture(*pane); });
+}
+
+/// A screen reader tells the file's name before the picture's size.
+void MainForm::NamePicture(RastxPane& pane) const {
+    if (session_.ImagePath.empty() || pane.rastx().ImageWidth() == 0) return;
+    std::string name = session_.ImagePath;
+    GetPath(name);
+    pane.setAccessibleDescription(ShownText(name) + QLatin1String(", ") + pane.accessibleDescription());
 }
 
 void MainForm::MakeBars() {
+    constexpr const char* kBars[] = {"Right edge of the folders", "Lower edge of the files",
+                                     "Upper edge of the export image"};
+    constexpr const char* kProgress[] = {"Files read", "Effect"};
     for (int i : {0, 1, 2}) {
         FrameMOve_[i] = new DragBar(Indexed("FrameMOve", i), i == 0 ? Qt::Vertical : Qt::Horizontal, FrameS_);
+        FrameMOve_[i]->setAccessibleName(QString::fromLatin1(kBars[i]));
         ConnectBar(i);
     }
     for (int i : {0, 1}) {
         ProgressBarS_[i] = new QProgressBar(FrameMOve_[i + 1]);
         ProgressBarS_[i]->setObjectName(Indexed("ProgressBarS", i));
+        ProgressBarS_[i]->setAccessibleName(QString::fromLatin1(kProgress[i]));
         ProgressBarS_[i]->setTextVisible(false);
         ProgressBarS_[i]->setRange(1, 110);
         ProgressBarS_[i]->hide();
@@ -180,6 +203,10 @@ void MainForm::ConnectBar(int index) {
     connect(FrameMOve_[index], &DragBar::MouseDown, this, [this, index] { FrameMOve_MouseDown(index); });
     connect(FrameMOve_[index], &DragBar::MouseMove, this, [this, index](int x, int y) {
         FrameMOve_MouseMove(index, x * kTwipsPerPixel, y * kTwipsPerPixel);
+    });
+    connect(FrameMOve_[index], &DragBar::Step, this, [this, index](int pixels) {
+        faces_.Step(index, pixels * kTwipsPerPixel);
+        ApplyFaces();
     });
     connect(FrameMOve_[index], &DragBar::MouseUp, this, [this, index] { FrameMOve_MouseUp(index); });
 }

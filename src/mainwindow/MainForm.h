@@ -147,6 +147,7 @@ class MainForm final : public QMainWindow,
     void closeEvent(QCloseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -169,6 +170,9 @@ class MainForm final : public QMainWindow,
     void ConnectMenus();
     void WatchMouse();
     void CheckPaste();
+    void WatchMenuKey();
+    void PopMenuAt(const QPoint& place, const std::string& selector);
+    void NamePicture(RastxPane& pane) const;
     void Form_Paint();
     void Form_Resize();
     void ApplyFaces();

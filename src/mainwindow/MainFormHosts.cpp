@@ -111,10 +111,14 @@ void MainForm::SetImageTool(int index, bool enabled) {
 }
 
 void MainForm::PopMenu(const std::string& selector) {
+    PopMenuAt(QCursor::pos(), selector);
+}
+
+void MainForm::PopMenuAt(const QPoint& place, const std::string& selector) {
     const std::string kind = UpperCase(selector);
     if (kind == "FILE" && list_->RowCount() == 0) return;
     for (const PopUp& popUp : kPopUps)
-        if (popUp.selector == kind) menus_->Menu(popUp.menu)->popup(QCursor::pos());
+        if (popUp.selector == kind) menus_->Menu(popUp.menu)->popup(place);
 }
 
 void MainForm::SetmnFile() {

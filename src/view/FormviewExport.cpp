@@ -4,12 +4,14 @@
 #include <QMouseEvent>
 #include <algorithm>
 
+#include "desktop/SpokenRole.h"
 #include "view/ViewerPlace.h"
 
 namespace tessara {
 
 FormviewExport::FormviewExport(Editor& editor)
     : editor_(editor), rastx1_(new RastxPane({.carrier = &editor.clipboard}, this)) {
+    SetSpokenRole(this, QAccessible::Window);
     setObjectName(QStringLiteral("FormviewExport"));
     setWindowTitle(QStringLiteral("Export Image"));
     rastx1_->setObjectName(QStringLiteral("rastx1(0)"));
@@ -43,6 +45,10 @@ void FormviewExport::resizeEvent(QResizeEvent*) {
 void FormviewExport::closeEvent(QCloseEvent*) {
     editor_.session.ViewExportOpen = false;
     Q_EMIT Unloaded();
+}
+
+void FormviewExport::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) close();
 }
 
 void FormviewExport::keyReleaseEvent(QKeyEvent* event) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "desktop/PathText.h"
+#include "desktop/SpokenRole.h"
 #include "edit/LoadRoute.h"
 #include "view/ViewerPlace.h"
 #include "view/ViewerTexts.h"
@@ -20,6 +21,7 @@ FormviewImport::FormviewImport(const ViewSurroundings& surroundings)
       rastx1_(new RastxPane({.carrier = &surroundings.editor.clipboard}, this)),
       selection_(surroundings.editor, rastx1_->rastx(), *this, session_.SelectionViewActive),
       slides_(session_, walk_, *this, surroundings.clock, surroundings.random) {
+    SetSpokenRole(this, QAccessible::Window);
     setObjectName(QStringLiteral("FormviewImport"));
     rastx1_->setObjectName(QStringLiteral("rastx1(0)"));
     rastx1_->setAccessibleName(QStringLiteral("Import image"));

@@ -137,6 +137,8 @@ void FormviewImport::closeEvent(QCloseEvent*) {
 
 void FormviewImport::keyPressEvent(QKeyEvent* event) {
     keyPressed_ = true;
+    // Any key only leads on to the next slide.
+    if (event->key() == Qt::Key_Escape && !session_.SlideRunning) return static_cast<void>(close());
     QWidget::keyPressEvent(event);
 }
 

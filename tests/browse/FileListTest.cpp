@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QFocusEvent>
 #include <QHeaderView>
 #include <QTest>
 #include <new>
@@ -270,6 +273,30 @@ TEST_F(FileListTest, RowsThatGoDoNotHandTheirHighlightOn) {
     }
 }
 
+TEST_F(FileListTest, AKeyThatMovesTheMarkShowsTheFile) {
+    Open({"a.bmp", "b.bmp", "c.bmp"});
+    list_.SelectRow(0);
+    QTreeWidget* const table = list_.ListViewFile();
+    const auto loaded = [&] { return host.calls.empty() ? "" : host.calls.back(); };
+    struct Row {
+        Qt::Key key;
+        const char* name;
+    };
+    for (const Row& row : {Row{Qt::Key_End, "c.bmp"}, {Qt::Key_Home, "a.bmp"}, {Qt::Key_B, "b.bmp"}}) {
+        QTest::keyClick(table, row.key);
+        EXPECT_EQ(loaded(), "LoadPict " + folder_.File(row.name));
+    }
+    host.calls.clear();
+    QTest::keyClick(table, Qt::Key_Space);
+    EXPECT_TRUE(list_.IsChecked(1));
+    QTest::keyPress(table, Qt::Key_Shift);
+    QFocusEvent leave(QEvent::FocusOut);
+    QCoreApplication::sendEvent(table, &leave);
+    list_.SelectRow(2);
+    QTest::keyRelease(table, Qt::Key_Shift);
+    EXPECT_EQ(host.calls, Names{}) << "what was not marked by a key of the table";
+}
+
 TEST_F(FileListTest, ACheckBoxIsNoClickOnItsRow) {
     Open({"a.bmp", "b.bmp"});
     list_.resize(900, 300);
@@ -287,6 +314,33 @@ TEST_F(FileListTest, ACheckBoxIsNoClickOnItsRow) {
     list_.SetListFile();
     EXPECT_FALSE(list_.IsChecked(1));
     EXPECT_EQ(session.SelectedCount, 1);
+}
+
+TEST_F(FileListTest, AScreenReaderFindsCellsBelowTheirHeaders) {
+    Open({"a.bmp", "b.bmp"});
+    list_.SelectRow(1);
+    QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(list_.ListViewFile());
+    QAccessibleTableInterface* const table = spoken->tableInterface();
+    ASSERT_NE(table, nullptr);
+    QAccessibleInterface* const cell = table->cellAt(1, 0);
+    EXPECT_EQ(cell->text(QAccessible::Name), "b.bmp");
+    EXPECT_EQ(spoken->focusChild(), cell);
+    EXPECT_EQ(spoken->indexOfChild(cell), 10) << "behind five headers and the cells of a row";
+    const QList<QAccessibleInterface*> headers = cell->tableCellInterface()->columnHeaderCells();
+    ASSERT_EQ(headers.size(), 1);
+    EXPECT_EQ(headers[0]->text(QAccessible::Name), "File Name");
+    cell->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_TRUE(cell->state().checked);
+    EXPECT_EQ(session.SelectedCount, 1);
+    EXPECT_EQ(table->selectedCellCount(), 5);
+    const QAccessible::Id known = QAccessible::uniqueId(cell);
+    QAccessibleTableModelChangeEvent sorted(list_.ListViewFile(),
+                                            QAccessibleTableModelChangeEvent::ModelReset);
+    table->modelChange(&sorted);
+    EXPECT_EQ(QAccessible::accessibleInterface(known), nullptr) << "in another order the cells are new ones";
+    list_.TakeCheckedRows();
+    EXPECT_EQ(table->cellAt(1, 0), nullptr);
+    EXPECT_EQ(spoken->childCount(), 10);
 }
 
 TEST_F(FileListTest, HeadersSortAsTextAndShareOneOrder) {
@@ -310,6 +364,8 @@ TEST_F(FileListTest, HeadersSortAsTextAndShareOneOrder) {
     }
     list_.SetListFile();
     EXPECT_EQ(ColumnOf(0), kRows[3].names) << "a rebuild keeps the order";
+    QTest::keyClick(list_.ListViewFile(), Qt::Key_3, Qt::ControlModifier);
+    EXPECT_EQ(ColumnOf(0), kRows[0].names) << "the third header, by its number";
 }
 
 }  // namespace

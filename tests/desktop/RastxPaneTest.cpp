@@ -65,6 +65,27 @@ TEST_F(RastxPaneTest, EventsTellPicturePixels) {
     EXPECT_EQ(events_, (Names{"move 0,35", "down 10,5", "move 99,49", "up 99,49", "double 10,5"}));
 }
 
+TEST_F(RastxPaneTest, KeysDoWhatTheMouseDoes) {
+    QTest::keyClick(&pane_, Qt::Key_Right);
+    EXPECT_EQ(events_, Names{}) << "without a picture";
+    SetPicture(100, 50);
+    QTest::keyClick(&pane_, Qt::Key_Space);
+    EXPECT_EQ(events_, Names{}) << "nothing is marked yet";
+    QTest::keyClick(&pane_, Qt::Key_Right);
+    QTest::keyClick(&pane_, Qt::Key_Down, Qt::ControlModifier);
+    QTest::keyClick(&pane_, Qt::Key_Space);
+    EXPECT_EQ(events_, (Names{"move 51,25", "move 51,41", "down 51,41", "up 51,41"}));
+    events_.clear();
+    QTest::keyPress(&pane_, Qt::Key_Shift);
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Left}) {
+        QKeyEvent press(QEvent::KeyPress, key, Qt::ShiftModifier);
+        QCoreApplication::sendEvent(&pane_, &press);
+    }
+    EXPECT_EQ(events_, (Names{"down 51,41", "move 51,40", "move 50,40"}));
+    QTest::keyRelease(&pane_, Qt::Key_Shift);
+    EXPECT_EQ(events_.back(), "up 50,40");
+}
+
 TEST_F(RastxPaneTest, PositionsInBothModesArePicturePixels) {
     SetPicture(2000, 1000);
     MoveTo(199, 99, Qt::NoButton);

@@ -104,6 +104,17 @@ TEST(FaceLayout, HorizontalBarsKeepTheirLimits) {
     }
 }
 
+TEST(FaceLayout, AStepIsADropThatFarAway) {
+    const FaceLayout before = Laid();
+    for (const int way : {150, -150, 90000, -90000}) {
+        FaceLayout stepped[] = {before, before, before};
+        for (const int index : {0, 1, 2}) stepped[index].Step(index, way);
+        EXPECT_EQ(stepped[0].FrameMOve, Dropped(before, 0, way + 30, 0).FrameMOve);
+        EXPECT_EQ(stepped[1].FrameMOve, Dropped(before, 1, 0, way + 120).FrameMOve);
+        EXPECT_EQ(stepped[2].FrameMOve, Dropped(before, 2, 0, way + 120).FrameMOve);
+    }
+}
+
 TEST(FaceLayout, AnySeriesOfDropsKeepsTheColumnWhole) {
     FaceLayout faces = Laid(1366 * 15, 700 * 15);
     unsigned random = 7;

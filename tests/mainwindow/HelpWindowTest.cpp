@@ -144,6 +144,20 @@ TEST_F(HelpWindowTest, TheIndexIsSortedAndNarrowedDownByTyping) {
     EXPECT_EQ(Topic(window), "2-1.htm");
 }
 
+TEST_F(HelpWindowTest, KeysLeadFromThePageToTheSidesAndBack) {
+    HelpWindow window(folder_.Path());
+    window.DisplayContents("1-1.htm");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifier modifier = Qt::NoModifier) {
+        QTest::keyClick(window.windowHandle(), key, modifier);
+        return window.focusWidget();
+    };
+    EXPECT_EQ(press(Qt::Key_F6), window.Contents());
+    EXPECT_EQ(press(Qt::Key_F6), window.Page());
+    EXPECT_EQ(press(Qt::Key_I, Qt::AltModifier), window.Index()->Word());
+    EXPECT_EQ(press(Qt::Key_C, Qt::AltModifier), window.Contents());
+}
+
 TEST_F(HelpWindowTest, PagesFollowThePalette) {
     HelpWindow window(folder_.Path());
     window.DisplayTopic("2-1.htm");

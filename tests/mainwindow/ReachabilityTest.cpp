@@ -1,13 +1,11 @@
-#include <QAbstractButton>
 #include <QAccessible>
 #include <QGroupBox>
 #include <QMenuBar>
 #include <QTabBar>
-#include <QTimer>
 #include <map>
 
-#include "mainwindow/HelpWindow.h"
-#include "tests/mainwindow/DrivenMainForm.h"
+#include "tests/mainwindow/EveryWindow.h"
+#include "tests/mainwindow/SpokenTree.h"
 
 namespace tessara {
 namespace {
@@ -27,9 +25,11 @@ bool IsReachable(const QWidget& widget) {
            widget.focusProxy() == nullptr && !qobject_cast<const QTabBar*>(&widget);
 }
 
-QString SpokenName(QWidget& widget) {
+/// The role and the name; empty for a control without a name.
+std::string SpokenName(QWidget& widget) {
     const QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(&widget);
-    return spoken == nullptr ? QString() : spoken->text(QAccessible::Name);
+    const std::string name = spoken == nullptr ? "" : spoken->text(QAccessible::Name).toStdString();
+    return name.empty() ? name : test::RoleName(*spoken) + " " + name;
 }
 
 /// The letters that act at once with Alt, each once for every control that takes it.
@@ -51,88 +51,81 @@ std::vector<QKeySequence> LettersOf(const QWidget& window) {
     return letters;
 }
 
-/// Everything that the program puts on screen, asked the same questions.
-class ReachabilityTest : public test::DrivenMainForm {
+class ReachabilityTest : public test::EveryWindow {
   protected:
     Names faults_;
-    int windows_ = 0;
 
+    void LoadWithPicture() {
+        MakePicture("photos/a.bmp", 3);
+        ASSERT_TRUE(Load());
+        ClickNode(disk_ + "/photos");
+        ClickRow(0);
+    }
     void Examine(QWidget& window) {
-        ++windows_;
-        int reachable = 0;
-        QWidgetList controls = window.findChildren<QWidget*>();
-        for (QWidget* control : controls) {
+        std::map<std::string, int> spoken;
+        for (QWidget* control : window.findChildren<QWidget*>()) {
             if (control->window() != &window || !IsReachable(*control)) continue;
-            ++reachable;
-            if (SpokenName(*control).isEmpty()) faults_.push_back("no name: " + PlaceOf(*control));
+            const std::string name = SpokenName(*control);
+            if (name.empty()) faults_.push_back("no name: " + PlaceOf(*control));
+            if (++spoken[name] == 2) faults_.push_back(name + " twice in " + PlaceOf(window));
         }
-        if (reachable == 0) faults_.push_back("nothing to reach in " + PlaceOf(window));
+        // Where nothing can be done but to look.
+        const bool onlyShows = window.objectName() == QLatin1String("FormIcoRealSize");
+        if (spoken.empty() && !onlyShows) faults_.push_back("nothing to reach in " + PlaceOf(window));
         std::map<QKeySequence, int> uses;
         for (const QKeySequence& letter : LettersOf(window))
             if (++uses[letter] == 2)
                 faults_.push_back(letter.toString().toStdString() + " twice in " + PlaceOf(window));
     }
-    /// Opens a modal dialog, examines it on each of its pages, and closes it.
-    template <typename Open>
-    void ExamineModal(const Open& open) {
-        const int before = windows_;
-        QTimer user;
-        QObject::connect(&user, &QTimer::timeout, &user, [this] {
-            QWidget* const dialog = QApplication::activeModalWidget();
-            if (dialog == nullptr || !dialog->isVisible()) return;
-            auto* const pages = dialog->findChild<QTabWidget*>();
-            constexpr int kOwnPages = 4;  // of the options; the others are dialogs of their own
-            for (int page = 0; page < (pages == nullptr ? 1 : kOwnPages); ++page) {
-                if (pages != nullptr) pages->setCurrentIndex(page);
-                Examine(*dialog);
-            }
-            dialog->close();
-        });
-        user.start();
-        open();
-        EXPECT_GT(windows_, before) << "a dialog did not open";
-    }
-    void ExamineModalOf(const char* menu, int index) {
-        ExamineModal([&] { form_->Menus().Item(menu, index)->trigger(); });
-    }
 };
 
-TEST_F(ReachabilityTest, EveryControlHasANameAndEveryLetterOneMeaning) {
-    MakePicture("photos/a.bmp", 64);
-    ASSERT_TRUE(Load());
-    ClickNode(disk_ + "/photos");
-    ClickRow(0);
-    Examine(*form_);
+TEST_F(ReachabilityTest, EveryControlHasANameOfItsOwnAndEveryLetterOneMeaning) {
+    VisitAll([this](QWidget& window, const std::string&) { Examine(window); });
     // Two heads of the menu bar are designed with the same letter, which then goes from one to the other.
     EXPECT_EQ(faults_, Names{"Alt+T twice in " + PlaceOf(*form_)});
-    faults_.clear();
-
-    ExamineModalOf("mnOptions", MainMenu::kHead);
-    ExamineModal([&] { ClickAt(Control("CommandCon(0)"), {5, 5}); });
-    session_.DontShowOptions = true;
-    ExamineModalOf("mTransform", 0);
-    for (const int effect : {2, 7, 16}) ExamineModalOf("mEffects", effect);
-    for (const int filter : {0, 1, 2, 3}) ExamineModalOf("mColor", filter);
-    for (const int entry : {2, 3, 5, 9}) ExamineModalOf("mHelp", entry);
-    ExamineModal([&] { form_->ShowDialogTrcol(); });
-    ExamineModal([&] { form_->ShowDialogSlideOpt(); });
-    for (const int viewer : {7, 8}) form_->Menus().Item("mFile", viewer)->trigger();
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (window != form_.get() && window->isVisible()) Examine(*window);
-    EXPECT_EQ(faults_, Names{});
 }
 
-TEST_F(ReachabilityTest, TabGoesThroughTheWindowAsTheEyeDoes) {
-    MakePicture("photos/a.bmp", 3);
-    ASSERT_TRUE(Load());
-    ClickNode(disk_ + "/photos");
-    ClickRow(0);
-    Tree().setFocus();
+TEST_F(ReachabilityTest, TabGoesThroughTheWindowAsTheEyeDoesAndToTheBarsInTheEnd) {
+    LoadWithPicture();
+    Control("Imagetool(12)").setFocus();
+    for (const char* name : {"FrameMOve(0)", "FrameMOve(1)", "FrameMOve(2)"}) {
+        Press(Qt::Key_Tab);
+        ASSERT_EQ(QApplication::focusWidget(), &Control(name));
+        const QPoint before = Control(name).pos();
+        for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Up}) Press(key);
+        EXPECT_EQ((Control(name).pos() - before).manhattanLength(), 10) << name;
+    }
+    Press(Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), &Tree());
     for (const char* name : {"ImageComboPath", "ListViewFile", "rastx1(0)", "CommandCon(1)", "CommandCon(0)",
                              "rastx1(1)", "Imagetool(0)"}) {
         Press(Qt::Key_Tab);
         EXPECT_EQ(QApplication::focusWidget(), &Control(name))
             << name << ", not " << PlaceOf(*QApplication::focusWidget());
+    }
+}
+
+TEST_F(ReachabilityTest, TheMenuKeyOpensTheMenuOfWhatHasTheFocus) {
+    LoadWithPicture();
+    struct Row {
+        const char* control;
+        const char* menu;
+    };
+    constexpr Row kRows[] = {{"TreeViewS", "mnFolder"}, {"ListViewFile", "mnFile"},
+                             {"rastx1(1)", "mnEdit"},   {"CommandCon(0)", "mnTransform"},
+                             {"rastx1(0)", nullptr},    {"FrameMOve(0)", nullptr}};
+    for (const Row& row : kRows) {
+        QWidget& control = Control(row.control);
+        control.setFocus();
+        QTest::keyClick(form_->windowHandle(), Qt::Key_F10, Qt::ShiftModifier);
+        QWidget* const menu = QApplication::activePopupWidget();
+        ASSERT_EQ(menu != nullptr, row.menu != nullptr) << row.control;
+        if (menu == nullptr) continue;
+        EXPECT_EQ(menu->objectName().toStdString(), row.menu);
+        const QRect place(control.mapToGlobal(QPoint()), control.size());
+        EXPECT_TRUE(menu->geometry().intersects(place.adjusted(-30, -30, 30, 30))) << row.control;
+        menu->close();
+        EXPECT_TRUE(control.hasFocus()) << row.control;
     }
 }
 

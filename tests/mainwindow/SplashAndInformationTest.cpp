@@ -28,12 +28,13 @@ class InformationDialogs : public testing::Test {
   protected:
     std::vector<std::string> opened_;
 
+    const OpenLinkFunction recording_ = [this](const std::string& target, const std::string& kind) {
+        opened_.push_back(kind + " " + target);
+    };
     /// Activates all links of a form and counts them.
     template <typename Form>
     int FollowLinks() {
-        Form form([this](const std::string& target,
-                         const std::string& kind) { opened_.push_back(kind + " " + target); },
-                  nullptr);
+        Form form(recording_, nullptr);
         const QRegularExpression href(QStringLiteral("href=\"([^\"]+)\""));
         int links = 0;
         for (QLabel* label : form.template findChildren<QLabel*>())
@@ -44,6 +45,18 @@ class InformationDialogs : public testing::Test {
         return links;
     }
 };
+
+TEST_F(InformationDialogs, EnterOpensALinkOnlyWhereTheTabKeyHasLedToIt) {
+    FrmHomePage form(recording_, nullptr);
+    form.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Return}) QTest::keyClick(form.windowHandle(), key);
+    EXPECT_EQ(opened_, std::vector<std::string>{"WEB www.tessara.example"});
+    EXPECT_TRUE(form.isVisible());
+    for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Return}) QTest::keyClick(form.windowHandle(), key);
+    EXPECT_EQ(opened_.size(), 1u);
+    EXPECT_FALSE(form.isVisible());
+}
 
 TEST_F(InformationDialogs, EveryLinkOpensItsOwnTarget) {
     EXPECT_EQ(FollowLinks<AboutForm>(), 1);

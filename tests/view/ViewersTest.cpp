@@ -45,7 +45,7 @@ TEST_F(ViewersTest, OneOpensTheOtherAndEachOnlyOnce) {
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
     EXPECT_EQ(viewers_.Import(), import);
     EXPECT_FALSE(import->isMinimized());
-    import->close();
+    QTest::keyClick(import, Qt::Key_Escape);
     EXPECT_EQ(viewers_.Import(), nullptr);
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
     EXPECT_NE(viewers_.Import(), nullptr) << "open again before the closed one is deleted";

@@ -92,6 +92,7 @@ void DialogTrcol::rastx1_ImageMouseDown() {
     palette.setColor(QPalette::Base, QColor(pixel.r, pixel.g, pixel.b));
     Text1_->setPalette(palette);
     Text1_->clear();
+    Text1_->setAccessibleDescription(palette.color(QPalette::Base).name());
 }
 
 void DialogTrcol::ImageHelp_Click() {

@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "desktop/PictureImage.h"
+#include "desktop/SpokenRole.h"
 
 namespace tessara {
 namespace {
@@ -57,6 +58,8 @@ FormIcoRealSize::FormIcoRealSize()
                            Qt::WindowCloseButtonHint | Qt::WindowStaysOnTopHint),
       Picture1_(new LivePicture(this)),
       Image1_(new QLabel(this)) {
+    SetSpokenRole(this, QAccessible::Window);
+    SetSpokenRole(Picture1_, QAccessible::Graphic);
     setObjectName(QStringLiteral("FormIcoRealSize"));
     Picture1_->setObjectName(QStringLiteral("Picture1"));
     Picture1_->setAccessibleName(tr("What lies under the pointer"));

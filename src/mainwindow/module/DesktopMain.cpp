@@ -13,6 +13,7 @@
 #include "desktop/DesktopShell.h"
 #include "desktop/QtPrompts.h"
 #include "desktop/SingleInstance.h"
+#include "desktop/VisibleFocus.h"
 #include "mainwindow/HelpWindow.h"
 #include "mainwindow/MainForm.h"
 
@@ -23,6 +24,7 @@ void SetUpApplication() {
     QApplication::setApplicationName(QStringLiteral("tessara"));
     QApplication::setDesktopFileName(QStringLiteral("tessara"));
     QApplication::setWindowIcon(Artwork("tessara"));
+    qApp->installEventFilter(new VisibleFocus(qApp));
 }
 
 /// Without one the toolkit would end the process as if it had crashed.

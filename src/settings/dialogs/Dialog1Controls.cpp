@@ -124,6 +124,8 @@ void Dialog1::MakeConvertControls() {
     TextOutFolder_ = Named(new PathEdit(Frame2_), "TextOutFolder");
     ImageOutFolder_ = MakePicture("ImageOutFolder", "folder-open", "Select Target Folder", Frame2_);
     MakeArray(OptionOv_, "OptionOv", std::array{"Ask", "Replace", "Skip"}, Frame2_);
+    for (QRadioButton* const option : OptionOv_)
+        option->setAccessibleDescription(QStringLiteral("Existing files"));
 }
 
 void Dialog1::MakeListControls() {
@@ -141,9 +143,9 @@ void Dialog1::MakeCaptureControls() {
     FrameCapture_ = Named(new QWidget(this), "FrameCapture");
     for (std::size_t i = 0; i < TextSize_.size(); ++i) {
         TextSize_[i] = Named(new QLineEdit(FrameCapture_), i == 0 ? "TextSize(0)" : "TextSize(1)");
+        TextSize_[i]->installEventFilter(this);
         VScrollSize_[i] =
             Named(new QScrollBar(Qt::Vertical, FrameCapture_), i == 0 ? "VScrollSize(0)" : "VScrollSize(1)");
-        VScrollSize_[i]->setFocusPolicy(Qt::StrongFocus);
         VScrollSize_[i]->setAccessibleName(i == 0 ? QStringLiteral("Width") : QStringLiteral("Height"));
     }
     Check1_ = Named(new FramedCheckBox(QStringLiteral("Square"), FrameCapture_), "Check1");

@@ -1,5 +1,8 @@
+#include <QCoreApplication>
 #include <QFocusEvent>
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -19,6 +22,13 @@ int NumberIn(const QString& text) {
     if (error == std::errc::result_out_of_range)
         return digits[0] == '-' ? -1 : std::numeric_limits<int>::max();
     return number;
+}
+
+/// Keys that go to the bar beside a field, which needs no focus of its own then.
+bool Steps(const QEvent& event) {
+    if (event.type() != QEvent::KeyPress) return false;
+    constexpr Qt::Key kKeys[] = {Qt::Key_Up, Qt::Key_Down, Qt::Key_PageUp, Qt::Key_PageDown};
+    return std::ranges::find(kKeys, static_cast<const QKeyEvent&>(event).key()) != std::end(kKeys);
 }
 
 }  // namespace
@@ -108,6 +118,9 @@ void Dialog1::TextInFolder_LostFocus() {
 }
 
 bool Dialog1::eventFilter(QObject* watched, QEvent* event) {
+    for (std::size_t i = 0; i < TextSize_.size(); ++i)
+        if (watched == TextSize_[i] && Steps(*event))
+            return QCoreApplication::sendEvent(VScrollSize_[i], event);
     if (watched != TextInFolder_ || event->type() != QEvent::FocusOut) return false;
     // Another window or a menu does not take the user to another control. A message has to wait until the
     // focus is there.

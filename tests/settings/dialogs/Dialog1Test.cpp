@@ -229,6 +229,8 @@ TEST_F(Dialog1Test, CaptureSizesStayWithinTheScreen) {
         EXPECT_EQ(TextOf("TextSize(1)"), std::to_string(row.captureHeight));
         EXPECT_EQ(Get<QScrollBar>("VScrollSize(0)")->value(), width - row.captureWidth);
     }
+    QTest::keyClick(Get<QLineEdit>("TextSize(0)"), Qt::Key_Up);
+    EXPECT_EQ(session_.CaptureWidth, 41);
 }
 
 TEST_F(Dialog1Test, ASingleFileHasANameThatMayBeChanged) {
