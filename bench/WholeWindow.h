@@ -19,7 +19,7 @@ class SameAnswer final : public Prompts {
 
     Answer Ask(const Prompt&) override { return answer; }
     void Beep() override {}
-    std::string PickFolder(const std::string&) override { return {}; }
+    std::string BrowseFolder(const std::string&, const std::string&) override { return {}; }
     std::string PickSaveFile(const SaveRequest&) override { return {}; }
     ColorNumber PickColor(const std::string&, ColorNumber start) override { return start; }
 };

@@ -42,7 +42,7 @@ class Prompts {
     virtual Answer Ask(const Prompt& prompt) = 0;
     virtual void Beep() = 0;
     /// The folder picker, which begins in `start` if there is such a folder; empty where the user cancels.
-    virtual std::string PickFolder(const std::string& title, const std::string& start) = 0;
+    virtual std::string BrowseFolder(const std::string& title, const std::string& start) = 0;
     /// The save dialog; asks by itself before an existing file is chosen. A name without an extension gets
     /// that of the chosen filter. Empty where the user cancels.
     virtual std::string PickSaveFile(const SaveRequest& request) = 0;
@@ -69,7 +69,7 @@ class ScriptedPrompts final : public Prompts {
         return Next(answers, Answer::Cancel);
     }
     void Beep() override { ++beeps; }
-    std::string PickFolder(const std::string& title, const std::string& start) override {
+    std::string BrowseFolder(const std::string& title, const std::string& start) override {
         foldersAskedFor.push_back(title + " | " + start);
         return Next(folders, {});
     }

@@ -182,7 +182,7 @@ void QtPrompts::Beep() {
     QApplication::beep();
 }
 
-std::string QtPrompts::PickFolder(const std::string& title, const std::string& start) {
+std::string QtPrompts::BrowseFolder(const std::string& title, const std::string& start) {
     const bool canStart = !start.empty() && QDir(ShownText(start)).exists();
     QFileDialog dialog(Owner(), ShownText(title), canStart ? ShownText(start) : QDir::homePath());
     dialog.setFileMode(QFileDialog::Directory);

@@ -10,7 +10,7 @@ class QtPrompts final : public Prompts {
   public:
     Answer Ask(const Prompt& prompt) override;
     void Beep() override;
-    std::string PickFolder(const std::string& title, const std::string& start) override;
+    std::string BrowseFolder(const std::string& title, const std::string& start) override;
     std::string PickSaveFile(const SaveRequest& request) override;
     ColorNumber PickColor(const std::string& title, ColorNumber start) override;
 };

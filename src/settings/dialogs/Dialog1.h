@@ -87,7 +87,7 @@ class Dialog1 final : public QDialog {
     void TakeCaptureSides();
     void HScroll1_Change();
     void HScroll1_Scroll() { HScroll1_Change(); }
-    void PickFolder(const char* title, PathEdit& field);
+    void BrowseFolder(const char* title, PathEdit& field);
     void ImageinFolder_Click();
     void ImageOutFolder_Click();
     void ImageHelp_Click();

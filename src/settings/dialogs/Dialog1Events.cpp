@@ -169,17 +169,17 @@ void Dialog1::HScroll1_Change() {
     SkinLabel1_->setText(QStringLiteral("Image Quality (1-100): %1").arg(HScroll1_->value()));
 }
 
-void Dialog1::PickFolder(const char* title, PathEdit& field) {
-    const std::string folder = prompts_.PickFolder(title, field.Bytes());
+void Dialog1::BrowseFolder(const char* title, PathEdit& field) {
+    const std::string folder = prompts_.BrowseFolder(title, field.Bytes());
     if (!folder.empty()) field.SetBytes(folder);
 }
 
 void Dialog1::ImageinFolder_Click() {
-    PickFolder("Select Start Folder", *TextInFolder_);
+    BrowseFolder("Select Start Folder", *TextInFolder_);
 }
 
 void Dialog1::ImageOutFolder_Click() {
-    PickFolder("Select Target Folder", *TextOutFolder_);
+    BrowseFolder("Select Target Folder", *TextOutFolder_);
 }
 
 void Dialog1::ImageHelp_Click() {

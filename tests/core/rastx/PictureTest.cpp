@@ -16,20 +16,6 @@
 namespace tessara {
 namespace {
 
-/// Takes a step while the process may not become larger by more than a few megabytes.
-Result<void> WithoutMemory(const std::function<Result<void>()>& step) {
-    std::size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    rlimit usual{};
-    getrlimit(RLIMIT_AS, &usual);
-    rlimit small = usual;
-    small.rlim_cur = pages * static_cast<rlim_t>(getpagesize()) + (rlim_t{4} << 20);
-    setrlimit(RLIMIT_AS, &small);
-    const Result<void> result = step();
-    setrlimit(RLIMIT_AS, &usual);
-    return result;
-}
-
 TEST(Picture, CopiesShareUntilOneIsWrittenTo) {
     const Picture first = test::Draw("KW WK");
     Picture second = first;
@@ -230,6 +216,20 @@ TEST(Rastx, EachSaveWritesItsFormat) {
 
 // Under the address sanitizer there is no end to the memory that a process may want.
 #ifndef __SANITIZE_ADDRESS__
+/// Takes a step while the process may not become larger by more than a few megabytes.
+Result<void> WithoutMemory(const std::function<Result<void>()>& step) {
+    std::size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    rlimit usual{};
+    getrlimit(RLIMIT_AS, &usual);
+    rlimit small = usual;
+    small.rlim_cur = pages * static_cast<rlim_t>(getpagesize()) + (rlim_t{4} << 20);
+    setrlimit(RLIMIT_AS, &small);
+    const Result<void> result = step();
+    setrlimit(RLIMIT_AS, &usual);
+    return result;
+}
+
 TEST(Rastx, AnEffectWithoutMemoryChangesNothing) {
     constexpr int kSide = 4096;
     Rastx pane;
