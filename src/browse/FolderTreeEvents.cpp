@@ -61,14 +61,18 @@ class FolderTree::View final : public FocusFramed<SteadyTree> {
         SteadyTree::keyPressEvent(event);
     }
     void resizeEvent(QResizeEvent* event) override {
-        QTreeWidget::resizeEvent(event);
-        header()->setMinimumSectionSize(viewport()->width());
+        SteadyTree::resizeEvent(event);
+        FitColumn();
+    }
+    void showEvent(QShowEvent* event) override {
+        SteadyTree::showEvent(event);
         FitColumn();
     }
 
   private:
     /// At once: a view that follows later still has a scroll bar too short for the nodes in sight.
     void FitColumn() {
+        header()->setMinimumSectionSize(viewport()->width());
         header()->resizeSections(QHeaderView::ResizeToContents);
         updateGeometries();
     }

@@ -102,6 +102,20 @@ TEST_F(FolderTreeTest, ADeepNodeIsScrolledToItsName) {
     EXPECT_GE(PlaceOf(Node(disk_)).left(), 0);
 }
 
+TEST_F(FolderTreeTest, RowsReachTheTreesEdgeWithAScrollBarAndWithout) {
+    FolderTree tree{browser, nullptr};
+    tree.resize(600, 30);
+    tree.ResetTreeViewS(false);
+    tree.Computer()->setExpanded(true);
+    tree.EnsureVisible(*tree.Computer());
+    for (const int height : {900, 30}) {
+        tree.resize(600, height);
+        tree.show();  // it was filled before, too low for its rows
+        const int right = tree.TreeViewS()->visualItemRect(tree.Computer()).right();
+        EXPECT_EQ(right, tree.TreeViewS()->viewport()->width() - 1) << height;
+    }
+}
+
 TEST_F(FolderTreeTest, OnlyInputIsAClick) {
     Click(InDisk("a"));
     const std::size_t before = host.calls.size();

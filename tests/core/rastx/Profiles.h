@@ -32,7 +32,7 @@ inline ByteVector CmykProfile() {
     const auto sample = [](const cmsUInt16Number* inks, cmsUInt16Number* out, void* transform) -> int {
         cmsUInt16Number light[3];
         for (int i = 0; i < 3; ++i)
-            light[i] = static_cast<cmsUInt16Number>((65535 - inks[i]) * (65535 - inks[3]) / 65535);
+            light[i] = static_cast<cmsUInt16Number>((65535u - inks[i]) * (65535u - inks[3]) / 65535u);
         cmsDoTransform(transform, light, out, 1);
         return 1;
     };
