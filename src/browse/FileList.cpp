@@ -6,7 +6,6 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 #include <algorithm>
-#include <ranges>
 
 #include "artwork/Artwork.h"
 #include "artwork/FieldColors.h"
@@ -174,7 +173,7 @@ std::vector<std::string> FileList::TakeRows(const std::vector<int>& rows) {
     const int highlighted = SelectedRow();
     std::vector<std::string> keys;
     for (const int row : rows) keys.push_back(KeyOf(row));
-    for (const int row : rows | std::views::reverse) delete ListViewFile_->takeTopLevelItem(row);
+    for (auto row = rows.rbegin(); row != rows.rend(); ++row) delete ListViewFile_->takeTopLevelItem(*row);
     // The view hands the highlight on to a neighbour, which is not the file in the panes.
     if (highlighted < 0 || std::ranges::binary_search(rows, highlighted)) ListViewFile_->clearSelection();
     return keys;

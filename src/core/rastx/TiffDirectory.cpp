@@ -39,8 +39,8 @@ Result<void> TiffDirectory::AddOwn(Tag tag, const std::vector<ExifEntry>& entrie
 Result<std::uint32_t> TiffDirectory::Write(ByteSink& sink) {
     constexpr std::uint64_t kLargestFile = UINT32_MAX;
     std::ranges::stable_sort(entries_, {}, &ExifEntry::tag);
-    const auto repeated = std::ranges::unique(entries_, {}, &ExifEntry::tag);
-    entries_.erase(repeated.begin(), repeated.end());
+    const auto sameTag = [](const ExifEntry& a, const ExifEntry& b) { return a.tag == b.tag; };
+    entries_.erase(std::unique(entries_.begin(), entries_.end(), sameTag), entries_.end());
     const std::uint64_t end = sink.Position();
     ByteWriter values;
     ByteWriter table;
