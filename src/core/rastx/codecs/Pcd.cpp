@@ -1,13 +1,15 @@
+// Reading Photo CD: finds the sizes that a file holds and makes the largest of them.
+
 #include "core/rastx/codecs/Pcd.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <optional>
 #include <vector>
 
 #include "core/ByteReader.h"
-#include "core/rastx/Rows.h"
+#include "core/rastx/codecs/PcdColors.h"
+#include "core/rastx/codecs/PcdDifferences.h"
+#include "core/rastx/codecs/PcdPlanes.h"
 
 // Photo CD image pacs: one photograph in several sizes. The maker never published the format; what follows is
 // known from independent decoders. Numbers are big-endian, places are counted in sectors of 2048 bytes.
@@ -27,6 +29,8 @@
 
 namespace tessara {
 namespace {
+
+using namespace pcd;
 
 constexpr std::uint64_t kSector = 2048;
 constexpr std::string_view kImagePac = "PCD_IPI";
@@ -70,23 +74,6 @@ Result<Header> ReadHeader(Bytes file) {
     return header;
 }
 
-/// One component of a picture.
-struct Plane {
-    std::size_t width = 0;
-    std::size_t height = 0;
-    ByteVector samples;
-
-    Plane() = default;
-    Plane(std::size_t w, std::size_t h) : width(w), height(h), samples(w * h) {}
-    std::span<std::uint8_t> Row(std::size_t y) { return std::span(samples).subspan(y * width, width); }
-    Bytes Row(std::size_t y) const { return Bytes(samples).subspan(y * width, width); }
-};
-
-/// Luma and two chroma planes of half its width and height, whose samples lie on every second of luma.
-struct Components {
-    Plane luma, blue, red;
-};
-
 std::optional<Components> ReadPlain(Bytes file, std::size_t width, std::size_t height, std::uint64_t sector) {
     ByteReader reader(Slice(file, sector * kSector, width * height * 3 / 2));
     Components picture{{width, height}, {width / 2, height / 2}, {width / 2, height / 2}};
@@ -105,174 +92,6 @@ Result<Components> ReadLargestPlain(Bytes file) {
         if (auto picture = ReadPlain(file, size.width, size.height, size.sector)) return std::move(*picture);
     return Damaged("the file holds no whole picture");
 }
-
-/// The samples between those of a row, and of the row below where there is one: the mean of their neighbours,
-/// rounded. The last column stands in for the one behind it.
-void InterpolateRow(Bytes row, Bytes below, std::span<std::uint8_t> even, std::span<std::uint8_t> odd) {
-    const std::size_t last = row.size() - 1;
-    for (std::size_t x = 0; x <= last; ++x) {
-        const std::size_t next = std::min(x + 1, last);
-        const unsigned a = row[x], b = row[next], c = below[x], d = below[next];
-        even[2 * x] = row[x];
-        even[2 * x + 1] = static_cast<std::uint8_t>((a + b + 1) >> 1);
-        odd[2 * x] = static_cast<std::uint8_t>((a + c + 1) >> 1);
-        odd[2 * x + 1] = static_cast<std::uint8_t>((a + b + c + d + 2) >> 2);
-    }
-}
-
-/// A plane of twice the width and height. The writer predicted the next larger size in exactly this way.
-Plane Doubled(const Plane& plane) {
-    Plane large(2 * plane.width, 2 * plane.height);
-    for (std::size_t y = 0; y < plane.height; ++y)
-        InterpolateRow(plane.Row(y), plane.Row(std::min(y + 1, plane.height - 1)), large.Row(2 * y),
-                       large.Row(2 * y + 1));
-    return large;
-}
-
-/// Bits from the most significant on; zeros behind the end.
-class BitReader {
-  public:
-    explicit BitReader(Bytes bytes) : bytes_(bytes) {}
-
-    /// The next `count` bits, at most 32.
-    std::uint32_t Peek(unsigned count) {
-        if (available_ < count) Refill();
-        return static_cast<std::uint32_t>(bits_ >> (64 - count));
-    }
-    void Skip(unsigned count) {
-        if (available_ < count) Refill();
-        bits_ <<= count;
-        available_ -= count;
-    }
-    /// Whether bits behind the end were taken.
-    bool Overrun() const { return next_ > bytes_.size() && (next_ - bytes_.size()) * 8 > available_; }
-    /// Bytes begun so far.
-    std::size_t Position() const { return next_ - available_ / 8; }
-
-  private:
-    void Refill() {
-        while (available_ <= 56) {
-            const std::uint64_t byte = next_ < bytes_.size() ? bytes_[next_] : 0;
-            bits_ |= byte << (56 - available_);
-            available_ += 8;
-            ++next_;
-        }
-    }
-
-    Bytes bytes_;
-    std::size_t next_ = 0;
-    std::uint64_t bits_ = 0;
-    unsigned available_ = 0;
-};
-
-constexpr unsigned kLongestCode = 16;
-
-/// The code and difference for each value of the next 16 bits; length 0 where no code begins so.
-class DifferenceTable {
-  public:
-    struct Entry {
-        std::uint8_t length = 0;
-        std::int8_t difference = 0;
-    };
-
-    static Result<DifferenceTable> Read(ByteReader& reader) {
-        DifferenceTable table;
-        table.codes_ = reader.U8() + 1u;
-        for (unsigned i = 0; i < table.codes_; ++i) {
-            const unsigned length = reader.U8() + 1u;
-            const unsigned code = reader.U16Be();
-            const std::int8_t difference = reader.I8();
-            if (length > kLongestCode) return Damaged("a code of the table is too long");
-            const unsigned span = 1u << (kLongestCode - length);
-            if (code % span != 0) continue;
-            std::fill_n(table.entries_.begin() + code, span,
-                        Entry{static_cast<std::uint8_t>(length), difference});
-        }
-        if (reader.Overrun()) return Damaged("the table is cut short");
-        return table;
-    }
-
-    Entry Find(std::uint32_t next16) const { return entries_[next16]; }
-    unsigned Codes() const { return codes_; }
-
-  private:
-    DifferenceTable() : entries_(std::size_t{1} << kLongestCode) {}
-
-    std::vector<Entry> entries_;
-    unsigned codes_ = 0;
-};
-
-/// The plane that a row of differences belongs to, as its head counts; 1 does not occur.
-enum PlaneNumber : unsigned { kLuma = 0, kBlueChroma = 2, kRedChroma = 3, kPlaneNumbers = 4 };
-
-/// Adds rows of differences to predicted planes. A row stands behind 23 ones and a zero, at any bit, and 16
-/// bits of its own: plane, row of luma, an unused one. The row behind the last ends the stream.
-class DifferenceReader {
-  public:
-    explicit DifferenceReader(Bytes stream) : bits_(stream) {}
-
-    void SetPlane(PlaneNumber number, Plane& plane, const DifferenceTable& table) {
-        targets_[number] = {&plane, &table};
-    }
-
-    /// Whether the stream was one: most of its rows could be read to their end. A file cut short keeps what
-    /// it has, the rest stays as predicted.
-    bool Read() {
-        const std::size_t height = targets_[kLuma].plane->height;
-        unsigned whole = 0, broken = 0;
-        while (FindMark()) {
-            const std::uint32_t head = bits_.Peek(16);
-            bits_.Skip(16);
-            const std::size_t row = head >> 1 & 0x1fff;
-            if (row == height) break;
-            const Target& target = targets_[head >> 14];
-            if (row > height || !target.plane) continue;
-            const bool luma = head >> 14 == kLuma;
-            (ReadRow(*target.table, target.plane->Row(luma ? row : row / 2)) ? whole : broken) += 1;
-        }
-        return whole > broken;
-    }
-    /// Bytes begun so far.
-    std::size_t Position() const { return bits_.Position(); }
-
-  private:
-    struct Target {
-        Plane* plane = nullptr;
-        const DifferenceTable* table = nullptr;
-    };
-    static constexpr std::uint32_t kMark = 0xfffffe;  // 24 bits
-    static constexpr std::uint32_t kMarkOnes = kMark >> 1;
-
-    /// Passes over the next mark.
-    bool FindMark() {
-        while (!bits_.Overrun()) {
-            const std::uint32_t next = bits_.Peek(24);
-            if (next == kMark) {
-                bits_.Skip(24);
-                return true;
-            }
-            // A mark can only begin within the ones at the end of these bits.
-            const auto ones = static_cast<unsigned>(std::countr_one(next));
-            bits_.Skip(std::max(1u, 24 - ones));
-        }
-        return false;
-    }
-
-    /// False if the row broke off; what it had counts.
-    bool ReadRow(const DifferenceTable& table, std::span<std::uint8_t> row) {
-        for (std::uint8_t& sample : row) {
-            const std::uint32_t next = bits_.Peek(23);
-            const DifferenceTable::Entry entry = table.Find(next >> (23 - kLongestCode));
-            if (entry.length == 0 || next == kMarkOnes || bits_.Overrun()) return false;
-            bits_.Skip(entry.length);
-            sample = static_cast<std::uint8_t>(std::clamp(sample + entry.difference, 0, 255));
-        }
-        return true;
-    }
-
-    BitReader bits_;
-    std::array<Target, kPlaneNumbers> targets_;
-};
 
 /// Base to 4Base; the sector where the differences end, or nothing where they are no good.
 std::optional<std::uint64_t> EnlargeToFourBase(Bytes file, Components& picture) {
@@ -322,34 +141,6 @@ Result<Components> ReadLargest(Bytes file, const Header& header) {
     return picture;
 }
 
-/// Brightness to tones of sRGB, as a curve that is straight between these points.
-struct Knot {
-    int in, out;
-};
-/// White of the scene is near 247, highlights reach 346 and are bent rather than cut.
-constexpr Knot kFilmTones[] = {{0, 0},     {61, 64},   {130, 139}, {194, 201},
-                               {241, 236}, {270, 249}, {304, 254}, {350, 255}};
-/// White is the largest luma, 346.
-constexpr Knot kFullRangeTones[] = {{0, 0}, {346, 255}, {350, 255}};
-
-constexpr int kBrightest = 350;
-using ToneTable = std::array<std::uint8_t, kBrightest + 1>;
-
-constexpr ToneTable MakeToneTable(std::span<const Knot> knots) {
-    ToneTable table{};
-    for (std::size_t k = 1; k < knots.size(); ++k) {
-        const Knot from = knots[k - 1];
-        const Knot to = knots[k];
-        const int width = to.in - from.in;
-        for (int i = 0; i <= width; ++i)
-            table[static_cast<std::size_t>(from.in + i)] =
-                static_cast<std::uint8_t>(from.out + ((to.out - from.out) * i + width / 2) / width);
-    }
-    return table;
-}
-constexpr ToneTable kFilmToneTable = MakeToneTable(kFilmTones);
-constexpr ToneTable kFullRangeToneTable = MakeToneTable(kFullRangeTones);
-
 /// Whether a program wrote the file rather than the workstation of a scanner. The one that is used for it
 /// stores white as the largest luma instead of leaving room for highlights; shown by the film's curve, its
 /// pictures would be overexposed by half. It is known by a fixed first sector and an information area without
@@ -363,24 +154,6 @@ bool IsWrittenByProgram(Bytes file) {
     };
     return all(0, kOnes, 0xff) && all(kOnes, kFourteens, 0x0e) &&
            all(kInformation, kAttributesOffset - kInformation, 0);
-}
-
-std::uint8_t Tone(const ToneTable& tones, int fixed) {
-    constexpr int kFraction = 20;
-    const int value = (fixed + (1 << (kFraction - 1))) >> kFraction;
-    return tones[static_cast<std::size_t>(std::clamp(value, 0, kBrightest))];
-}
-
-/// Luma and chroma to colours. The factors are fixed point numbers of 20 bits.
-void ComponentsToPixels(Bytes luma, Bytes blue, Bytes red, const ToneTable& tones, std::span<Pixel> pixels) {
-    constexpr int kNeutralBlue = 156, kNeutralRed = 137;
-    for (std::size_t x = 0; x < pixels.size(); ++x) {
-        const int y = 1424386 * luma[x];
-        const int b = blue[x] - kNeutralBlue;
-        const int r = red[x] - kNeutralRed;
-        pixels[x] = {Tone(tones, y + 2325637 * b), Tone(tones, y - 451174 * b - 972180 * r),
-                     Tone(tones, y + 1909981 * r), 255};
-    }
 }
 
 /// The picture turned counter-clockwise. Squares keep both the rows read and the columns written in the
