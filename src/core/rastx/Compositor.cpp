@@ -5,7 +5,7 @@
 
 #include "core/Multiversion.h"
 #include "core/Parallel.h"
-#include "core/rastx/BlendFunctions.h"
+#include "core/rastx/BlendStrip.h"
 
 // A pixel of the result depends on nothing but the same place of every layer. So the whole tree is composed
 // row by row: groups need a row of memory each instead of a canvas, and all of it stays in floating point
@@ -13,25 +13,7 @@
 namespace tessara {
 namespace {
 
-using blend::Tone;
-
-/// A stretch of one row. On a canvas colours are multiplied with alpha, in the source of a blend they are
-/// straight.
-struct Strip {
-    Tone* tones = nullptr;  // of the column 0
-    int left = 0, right = 0;
-
-    Strip Limited(const Box& box) const {
-        return {tones, static_cast<int>(std::max<std::int64_t>(left, box.left)),
-                static_cast<int>(std::min<std::int64_t>(right, box.right))};
-    }
-    std::span<Tone> All() const {
-        return {tones + left, static_cast<std::size_t>(std::max(right - left, 0))};
-    }
-};
-
-/// Whether a layer may colour the canvas where it is transparent, or only change the colours that are there.
-enum class Reach : bool { Everywhere, InsideOnly };
+using namespace blend;
 
 TESSARA_MULTIVERSION void LoadPixels(const Pixel* pixels, std::size_t count, Tone* tones) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -52,153 +34,8 @@ TESSARA_MULTIVERSION void StorePixels(const Tone* tones, std::size_t count, Pixe
     }
 }
 
-TESSARA_MULTIVERSION void BlendNormal(const Tone* source, std::size_t count, Tone* canvas) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const float alpha = source[i].a;
-        const float rest = 1 - alpha;
-        canvas[i] = {canvas[i].b * rest + source[i].b * alpha, canvas[i].g * rest + source[i].g * alpha,
-                     canvas[i].r * rest + source[i].r * alpha, canvas[i].a * rest + alpha};
-    }
-}
-
 void Premultiply(std::span<Tone> tones) {
     for (Tone& tone : tones) tone = {tone.b * tone.a, tone.g * tone.a, tone.r * tone.a, tone.a};
-}
-
-Tone Straight(Tone tone) {
-    if (tone.a <= 0) return {};
-    // The rules take roots and quotients: a colour must not leave its range by a rounding error.
-    const auto channel = [=](float value) { return std::clamp(value / tone.a, 0.0f, 1.0f); };
-    return {channel(tone.b), channel(tone.g), channel(tone.r), tone.a};
-}
-
-/// Blends with a rule for whole colours.
-template <typename Rule>
-void BlendColors(std::span<const Tone> source, std::span<Tone> canvas, Reach reach, const Rule& rule) {
-    for (std::size_t i = 0; i < source.size(); ++i) {
-        const Tone s = source[i];
-        if (s.a <= 0) continue;
-        const Tone below = canvas[i];
-        const Tone mixed = rule(s, Straight(below));
-        const float kept = 1 - s.a;
-        const float inside = s.a * below.a;
-        const float outside = reach == Reach::Everywhere ? s.a * (1 - below.a) : 0;
-        canvas[i] = {below.b * kept + inside * mixed.b + outside * s.b,
-                     below.g * kept + inside * mixed.g + outside * s.g,
-                     below.r * kept + inside * mixed.r + outside * s.r,
-                     reach == Reach::Everywhere ? below.a + s.a * (1 - below.a) : below.a};
-    }
-}
-
-/// Blends with a rule for one channel that is the same for all.
-template <typename Rule>
-void BlendChannels(std::span<const Tone> source, std::span<Tone> canvas, Reach reach, const Rule& rule) {
-    BlendColors(source, canvas, reach, [&](Tone s, Tone d) {
-        return Tone{rule(s.b, d.b), rule(s.g, d.g), rule(s.r, d.r), 0};
-    });
-}
-
-/// Noise that depends on the place alone, so that a picture comes out the same each time.
-float NoiseAt(int x, int y) {
-    auto hash = static_cast<std::uint32_t>(x) * 0x9e3779b1u ^ static_cast<std::uint32_t>(y) * 0x85ebca77u;
-    hash = (hash ^ (hash >> 15)) * 0x2c1b3c6du;
-    hash = (hash ^ (hash >> 12)) * 0x297a2d39u;
-    return static_cast<float>((hash ^ (hash >> 15)) >> 8) / static_cast<float>(1 << 24);
-}
-
-void Dissolve(const Strip& source, int y) {
-    for (int x = source.left; x < source.right; ++x)
-        source.tones[x].a = source.tones[x].a > NoiseAt(x, y) ? 1.0f : 0.0f;
-}
-
-void Blend(BlendMode mode, const Strip& source, const Strip& canvas, int y, Reach reach) {
-    const std::span<const Tone> from = source.All();
-    const std::span<Tone> onto = {canvas.tones + source.left, from.size()};
-    const auto channels = [&](const auto& rule) { BlendChannels(from, onto, reach, rule); };
-    const auto colors = [&](const auto& rule) { BlendColors(from, onto, reach, rule); };
-    using namespace blend;
-    switch (mode) {
-        case BlendMode::Dissolve:
-            Dissolve(source, y);
-            [[fallthrough]];
-        case BlendMode::Normal:
-            if (reach == Reach::Everywhere) return BlendNormal(from.data(), from.size(), onto.data());
-            return colors([](Tone s, Tone) { return s; });
-        case BlendMode::Darken:
-            return channels([](float s, float d) { return std::min(s, d); });
-        case BlendMode::Multiply:
-            return channels(Multiply);
-        case BlendMode::ColorBurn:
-            return channels(ColorBurn);
-        case BlendMode::LinearBurn:
-            return channels([](float s, float d) { return std::max(s + d - 1, 0.0f); });
-        case BlendMode::DarkerColor:
-            return colors([](Tone s, Tone d) { return Luminance(s) < Luminance(d) ? s : d; });
-        case BlendMode::Lighten:
-            return channels([](float s, float d) { return std::max(s, d); });
-        case BlendMode::Screen:
-            return channels(Screen);
-        case BlendMode::ColorDodge:
-            return channels(ColorDodge);
-        case BlendMode::LinearDodge:
-            return channels([](float s, float d) { return std::min(s + d, 1.0f); });
-        case BlendMode::LighterColor:
-            return colors([](Tone s, Tone d) { return Luminance(s) > Luminance(d) ? s : d; });
-        case BlendMode::Overlay:
-            return channels([](float s, float d) { return HardLight(d, s); });
-        case BlendMode::SoftLight:
-            return channels(SoftLight);
-        case BlendMode::HardLight:
-            return channels(HardLight);
-        case BlendMode::VividLight:
-            return channels(VividLight);
-        case BlendMode::LinearLight:
-            return channels([](float s, float d) { return std::clamp(d + 2 * s - 1, 0.0f, 1.0f); });
-        case BlendMode::PinLight:
-            return channels(PinLight);
-        case BlendMode::HardMix:
-            return channels(HardMix);
-        case BlendMode::Difference:
-            return channels([](float s, float d) { return std::abs(s - d); });
-        case BlendMode::Exclusion:
-            return channels([](float s, float d) { return s + d - 2 * s * d; });
-        case BlendMode::Subtract:
-            return channels([](float s, float d) { return std::max(d - s, 0.0f); });
-        case BlendMode::Divide:
-            return channels(Divide);
-        case BlendMode::Hue:
-            return colors([](Tone s, Tone d) {
-                return WithLuminance(WithSaturation(s, SaturationOf(d)), Luminance(d));
-            });
-        case BlendMode::Saturation:
-            return colors([](Tone s, Tone d) {
-                return WithLuminance(WithSaturation(d, SaturationOf(s)), Luminance(d));
-            });
-        case BlendMode::Color:
-            return colors([](Tone s, Tone d) { return WithLuminance(s, Luminance(d)); });
-        case BlendMode::Luminosity:
-            return colors([](Tone s, Tone d) { return WithLuminance(d, Luminance(s)); });
-        case BlendMode::HslHue:
-            return colors([](Tone s, Tone d) {
-                const Hsl below = ToHsl(d);
-                return FromHsl({ToHsl(s).hue, below.saturation, below.lightness});
-            });
-        case BlendMode::HslSaturation:
-            return colors([](Tone s, Tone d) {
-                const Hsl below = ToHsl(d);
-                return FromHsl({below.hue, ToHsl(s).saturation, below.lightness});
-            });
-        case BlendMode::HslColor:
-            return colors([](Tone s, Tone d) {
-                const Hsl above = ToHsl(s);
-                return FromHsl({above.hue, above.saturation, ToHsl(d).lightness});
-            });
-        case BlendMode::HslLightness:
-            return colors([](Tone s, Tone d) {
-                const Hsl below = ToHsl(d);
-                return FromHsl({below.hue, below.saturation, ToHsl(s).lightness});
-            });
-    }
 }
 
 /// The mask at one place of the row `y`, 0 to 1.
