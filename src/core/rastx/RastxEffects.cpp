@@ -12,6 +12,7 @@
 #include "core/rastx/effects/Mosaic.h"
 #include "core/rastx/effects/Noise.h"
 #include "core/rastx/effects/Point.h"
+#include "core/rastx/effects/Refraction.h"
 #include "core/rastx/effects/Resample.h"
 
 namespace tessara {

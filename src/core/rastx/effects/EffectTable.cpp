@@ -10,6 +10,7 @@
 #include "core/rastx/effects/Mosaic.h"
 #include "core/rastx/effects/Noise.h"
 #include "core/rastx/effects/Point.h"
+#include "core/rastx/effects/Refraction.h"
 
 namespace tessara::effects {
 namespace {

@@ -27,6 +27,11 @@ inline float PixelScale(const Picture& picture) {
     return static_cast<float>(std::max(picture.Width(), picture.Height())) / 500;
 }
 
+/// A column, row or length as what containers count by.
+inline std::size_t Index(int value) {
+    return static_cast<std::size_t>(value);
+}
+
 /// A thread is worth its start from about this much work on.
 inline int RowsPerThread(int width) {
     return (1 << 16) / std::max(1, width) + 1;
