@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "core/rastx/Picture.h"
+#include "edit/OwnEffectRules.h"
 
 namespace tessara {
 
@@ -14,11 +15,6 @@ ImageBounds GetImageBounds(const Picture& picture);
 
 /// The channels of a colour number: each byte from the lowest, as whole numbers.
 void SplitColor(ColorNumber color, double& R, double& G, double& B);
-/// Values above 255 become 255, values below 0 become 0.
-void ClampChannels(double& R, double& G, double& B);
-
-/// A stretch of a row with an array for each channel.
-struct ChannelPlanes;
 
 /// The twelve effects that the program computes itself. They read `Pic_Image` and write `Pic_TempImage`,
 /// which has the same size; pixels that an effect does not write keep what `Pic_TempImage` held. Channels are
@@ -47,8 +43,7 @@ class OwnEffects {
 
   private:
     /// The effects whose new pixel depends on the old one alone.
-    using PlaneRule = void (*)(const ChannelPlanes& in, double Depth, ChannelPlanes& out);
-    void ForEachChannels(ImageBounds bounds, double Depth, PlaneRule rule);
+    void ForEachChannels(ImageBounds bounds, double Depth, own::PlaneRule rule);
     /// The effects that compute a colour number from the neighbours' numbers.
     template <typename Rule>
     void ForEachColor(ImageBounds bounds, double Depth, const Rule& rule);
