@@ -34,7 +34,8 @@ inline Tone Straight(Tone tone) {
     return {channel(tone.b), channel(tone.g), channel(tone.r), tone.a};
 }
 
-/// Mixes the source onto the canvas, of which it is a part; `y` is the row.
+/// Mixes the source onto the canvas, of which it is a part; `y` is the row. Dissolve leaves the source
+/// changed.
 void Blend(BlendMode mode, const Strip& source, const Strip& canvas, int y, Reach reach);
 
 }  // namespace tessara::blend

@@ -15,7 +15,8 @@ Masks MasksOf(const DibHeader& header, bool fourthByteCounts);
 /// Uncompressed rows of any depth.
 Result<Picture> DecodeRows(const DibHeader& header, Bytes bits, const Masks& masks, std::vector<Pixel> colors,
                            const Limits& limits);
-/// Run-length coded pixels of 4, 8 or 24 bits. What the runs skip gets the first colour.
+/// Run-length coded pixels of 4, 8 or 24 bits. What the runs skip gets the first colour, in 24 bits
+/// black.
 Result<Picture> DecodeRuns(const DibHeader& header, Bytes bits, std::vector<Pixel> colors,
                            const Limits& limits);
 
