@@ -23,6 +23,7 @@ class WmfPlayer {
     };
     static const Row kRows[];
 
+    // State, mapping and clip (WmfState.cpp)
     void SaveState(ByteReader&);
     void RestoreState(ByteReader&);
     void SetBackgroundMode(ByteReader&);
@@ -45,6 +46,12 @@ class WmfPlayer {
     void ScaleWindowExtent(ByteReader&);
     void ScaleViewportExtent(ByteReader&);
 
+    void OffsetClip(ByteReader&);
+    void ExcludeClipRect(ByteReader&);
+    void IntersectClipRect(ByteReader&);
+    void SelectClipRegion(ByteReader&);
+
+    // Objects (WmfObjects.cpp)
     void CreatePen(ByteReader&);
     void CreateBrush(ByteReader&);
     void CreateFont(ByteReader&);
@@ -59,11 +66,7 @@ class WmfPlayer {
     void SelectObject(ByteReader&);
     void DeleteObject(ByteReader&);
 
-    void OffsetClip(ByteReader&);
-    void ExcludeClipRect(ByteReader&);
-    void IntersectClipRect(ByteReader&);
-    void SelectClipRegion(ByteReader&);
-
+    // Lines and shapes (WmfShapes.cpp)
     void MoveTo(ByteReader&);
     void LineTo(ByteReader&);
     void Rectangle(ByteReader&);
@@ -83,9 +86,10 @@ class WmfPlayer {
     void PaintRegion(ByteReader&);
     void FillRegion(ByteReader&);
     void FrameRegion(ByteReader&);
+
+    // Text and bitmaps (WmfText.cpp, WmfBitmaps.cpp)
     void TextOut(ByteReader&);
     void ExtendedTextOut(ByteReader&);
-
     void PatternBlt(ByteReader&);
     void StretchDib(ByteReader&);
     void SetDibToDevice(ByteReader&);
@@ -94,6 +98,14 @@ class WmfPlayer {
     void StretchBlt(ByteReader& reader) { StretchBitmap(reader, true, true); }
     void BitBlt(ByteReader& reader) { StretchBitmap(reader, false, true); }
     void StretchBitmap(ByteReader&, bool stretches, bool deviceDependent);
+
+    /// Coordinates lie in records as y before x, boxes as bottom, right, top, left.
+    static QPointF ReadYX(ByteReader&);
+    static QRectF ReadBox(ByteReader&);
+    /// Height and width, then top and left.
+    static QRectF ReadTarget(ByteReader&);
+    /// Points of polygons lie as x before y.
+    static std::vector<QPointF> ReadPoints(ByteReader&, std::size_t count);
 
     Attributes& State() { return context_.State(); }
     QRgb ReadColor(ByteReader& reader) const;
