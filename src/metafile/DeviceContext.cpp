@@ -161,12 +161,4 @@ void DeviceContext::ResetClip() {
     canvas_.SetClip(state_.clip);
 }
 
-QRegion DeviceContext::RegionInPicture(const Region& region, const QTransform& toPicture) const {
-    std::vector<QRect> boxes;
-    boxes.reserve(region.boxes.size());
-    for (const QRect& box : region.boxes) boxes.push_back(SnapToPixels(toPicture.mapRect(QRectF(box))));
-    if (!canvas_.Budget().Spend(200.0 * static_cast<double>(boxes.size()))) return {};
-    return RegionOf(boxes, canvas_.Area());
-}
-
 }  // namespace tessara::metafile

@@ -45,6 +45,8 @@ struct Pen {
     Join join = Join::Round;
     bool extended = false;       ///< wide dashes are possible and their gaps never painted
     std::vector<double> dashes;  ///< of kUserDashes: pixels, or logical units where the pen has a width
+
+    bool IsVisible() const { return (style & kStyleMask) != kNone && ink.kind != Brush::Kind::None; }
 };
 
 struct Font {
