@@ -40,6 +40,9 @@ TEST(Pens, TakeTheirStyle) {
     };
     const int across = 0, red = static_cast<int>(Red);
     const auto line = [&](EmfBuilder emf, int y) { return emf.Record(27, {across, y}).Record(54, {8, y}); };
+    const auto thin = [&](int style) {
+        return EmfBuilder(24, 1).Record(18, {1}).Pen(style, 0, Red).Record(27, {0, 0}).Record(54, {24, 0});
+    };
     const auto extended = [&](int width, int height, int style, int penWidth,
                               std::initializer_list<int> dashes) {
         EmfBuilder emf(width, height);
@@ -54,6 +57,8 @@ TEST(Pens, TakeTheirStyle) {
                   line(EmfBuilder(8, 1).Pen(2, 0, Red).Record(25, {255 << 16}), 0), "RRRBBBRR"},
              Case{"dots that let through", line(EmfBuilder(8, 1).Record(18, {1}).Pen(2, 0, Red), 0),
                   "RRRWWWRR"},
+             Case{"a dash and a dot", thin(3), "RRRRRRRRRWWWWWWRRRWWWWWW"},
+             Case{"a dash and two dots", thin(4), "RRRRRRRRRWWWRRRWWWRRRWWW"},
              Case{"none", line(EmfBuilder(8, 1).Pen(5, 0, Red), 0), "WWWWWWWW"},
              Case{"dashes of the user", line(extended(8, 1, 7, 1, {2, 1}), 0), "RRWRRWRR"},
              Case{"wide dashes of the user", line(extended(8, 2, 0x10207, 2, {4, 2}), 1),
@@ -139,6 +144,13 @@ TEST(Text, TurnsStretchesAndAdvances) {
     EXPECT_LE(upward.bottom, 100) << "text stands upright where the axis runs upwards";
 }
 
+TEST(Text, OfAFixedPitchFaceIsAsWideWhateverItSays) {
+    EmfBuilder narrow(200, 40), wide(200, 40);
+    const Ink ofNarrow = InkOf(Played(Text(Font(narrow, 1, "Courier New"), u"iiiiI", 10, 10)));
+    EXPECT_GT(ofNarrow.right, 40);
+    EXPECT_EQ(ofNarrow.right, InkOf(Played(Text(Font(wide, 1, "Courier New"), u"WWWWI", 10, 10))).right);
+}
+
 TEST(Text, GoesOnFromTheCurrentPosition) {
     EmfBuilder emf(200, 40);
     emf.Record(22, {1 | 24}).Record(27, {20, 30});
@@ -157,7 +169,8 @@ TEST(Text, ReadsEveryFormOfRecord) {
         EXPECT_LE(ink.bottom, 30) << name;
         EXPECT_GE(ink.right, ink.left) << name << " wrote nothing";
     };
-    EmfBuilder small(60, 40), narrow(60, 40), several(60, 40), glyphs(60, 40), shaped(60, 40), symbol(60, 40);
+    EmfBuilder small(60, 40), narrow(60, 40), several(60, 40), severalNarrow(60, 40), glyphs(60, 40),
+        shaped(60, 40), symbol(60, 40);
     expectInk("small text of bytes",
               Font(small.Record(22, {24}), 1, "Arial").Record(108, {10, 30, 2, 0x300, 1, 0, 0}, Hex("4848")));
     ByteWriter call;
@@ -166,6 +179,10 @@ TEST(Text, ReadsEveryFormOfRecord) {
     ByteWriter calls;
     for (const int number : {1, 0, 0, 1, 10, 30, 2, 80, 0x100, 0, 0, 0, 0, 0}) calls.I32Le(number);
     calls.U16Le('H').U16Le('H');
+    ByteWriter bytes;
+    for (const int number : {1, 0, 0, 1, 10, 30, 2, 80, 0x100, 0, 0, 0, 0, 0}) bytes.I32Le(number);
+    expectInk("several texts of bytes",
+              Font(severalNarrow.Record(22, {24}), 1, "Arial").Bounded(96, {}, bytes.Text("HH").Written()));
     expectInk("several texts", Font(several.Record(22, {24}), 1, "Arial").Bounded(97, {}, calls.Written()));
     expectInk("glyphs of a common font",
               Text(Font(glyphs.Record(22, {24}), 1, "Arial"), u"++", 10, 30, {}, 0x10));

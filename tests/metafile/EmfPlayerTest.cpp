@@ -24,10 +24,10 @@ struct Case {
     const char* expected;
 };
 
-void ExpectPictures(std::initializer_list<Case> cases) {
+void ExpectPictures(std::initializer_list<Case> cases, std::string (*shown)(const Picture&) = Sketch) {
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(Played(row.emf), row.expected);
+        EXPECT_EQ(shown(Must(DecodeEmf(row.emf.File(), {}))), row.expected);
     }
 }
 
@@ -40,6 +40,9 @@ EmfBuilder& Transform(EmfBuilder& emf, float m11, float m12, float m21, float m2
 }
 
 TEST(EmfPlayer, DrawsShapesOnWholePixels) {
+    const auto brushed = [](int width, int height) {
+        return EmfBuilder(width, height).Record(39, {9, 0, Red, 0});
+    };
     ExpectPictures({
         {"a box", EmfBuilder(4, 3).Fill(Red).Rectangle(1, 1, 3, 3), "WWWW WRRW WRRW"},
         {"a polygon of short points",
@@ -74,47 +77,87 @@ TEST(EmfPlayer, DrawsShapesOnWholePixels) {
              .Record(37, {2})
              .Rectangle(0, 0, 1, 1),
          "B"},
+        {"lines of several figures",
+         EmfBuilder(3, 3).Pen(0, 0, Blue).Bounded(7, {2, 4, 2, 2, 0, 0, 3, 0, 0, 2, 3, 2}), "BBB WWW BBB"},
+        {"a curve whose handles lie on its line",
+         EmfBuilder(3, 3).Pen(0, 0, Blue).Bounded(85, {4}, Points({-9, 1, 0, 1, 3, 1, 9, 1})), "WWW BBB WWW"},
+        {"corners wider than tall", EmfBuilder(8, 4).Fill(Red).Record(44, {0, 0, 8, 4, 4, 2}),
+         "??RRRR?? RRRRRRRR RRRRRRRR ??RRRR??"},
+        {"a region is painted",
+         EmfBuilder(3, 1).Fill(Red).Bounded(74, {48, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 3, 1}), "WRR"},
+        {"a region is filled with a brush of its own",
+         brushed(3, 1).Bounded(71, {48, 9, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 3, 1}), "WRR"},
+        {"the frame of a region, one wide and two tall",
+         brushed(5, 5).Bounded(72, {48, 9, 1, 2, 32, 1, 1, 16, 0, 0, 0, 0, 0, 0, 5, 5}),
+         "RRRRR RRRRR RWWWR RRRRR RRRRR"},
+        {"a flood as far as its colour goes",
+         EmfBuilder(4, 1).Record(15, {2, 0, Red}).Brush(0, Blue).Record(53, {0, 0, White, 1}), "BBRW"},
         {"a region inverts", EmfBuilder(3, 1).Bounded(73, {48, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 2, 1}), "WKW"},
     });
 }
 
 TEST(EmfPlayer, DrawsRoundShapesWhereTheyBelong) {
-    struct Place {
-        const char* name;
-        std::uint32_t type;
-        bool upperLeft, upperRight, lowerLeft, lowerRight;
-    };
     // A quarter from the right (20, 10) to the top (10, 0), counter-clockwise.
-    for (const Place& place :
-         {Place{"pie", 47, false, true, false, false}, Place{"chord", 46, false, true, false, false}}) {
-        SCOPED_TRACE(place.name);
-        const Picture picture = Must(DecodeEmf(
-            EmfBuilder(20, 20).Fill(Red).Record(place.type, {0, 0, 20, 20, 20, 10, 10, 0}).File(), {}));
-        const auto red = [&](int x, int y) { return picture.At(x, y) == Pixel{0, 0, 255, 255}; };
-        EXPECT_EQ(red(15, 4), place.upperRight);
-        EXPECT_EQ(red(4, 4), place.upperLeft);
-        EXPECT_EQ(red(4, 15), place.lowerLeft);
-        EXPECT_EQ(red(15, 15), place.lowerRight);
-    }
-    const Picture clockwise = Must(DecodeEmf(
-        EmfBuilder(20, 20).Fill(Red).Record(57, {2}).Record(47, {0, 0, 20, 20, 20, 10, 10, 0}).File(), {}));
-    EXPECT_EQ(clockwise.At(4, 15), (Pixel{0, 0, 255, 255}));
-    EXPECT_EQ(clockwise.At(15, 4), kWhite);
+    const std::initializer_list<int> quarter = {0, 0, 20, 20, 20, 10, 10, 0},
+                                     upQuarter = {0, 0, 20, 20, 20, 10, 10, 20};
+    // Paths begin at the centre; that they are flattened is not to be seen.
+    const auto red = [] { return EmfBuilder(20, 20).Fill(Red); };
+    const auto path = [](EmfBuilder emf) { return emf.Record(59, {}).Record(27, {10, 10}); };
+    const auto filled = [](EmfBuilder emf) { return emf.Record(60, {}).Record(65, {}).Bounded(62, {}); };
+    const auto upward = [&] {
+        return red().Record(17, {8}).Record(9, {20, -20}).Record(11, {20, 20}).Record(12, {0, 20});
+    };
+    EmfBuilder turned = red();
+    Transform(turned, 0.8f, 0.6f, -0.6f, 0.8f, 8, -4);
+    ExpectPictures(
+        {
+            {"pie", red().Record(47, quarter), "WR WW"},
+            {"chord", red().Record(46, quarter), "WR WW"},
+            {"clockwise", red().Record(57, {2}).Record(47, quarter), "RW RR"},
+            {"an upward axis", upward().Record(47, upQuarter), "WR WW"},
+            {"a turned half", turned.Record(47, {0, 0, 20, 20, 20, 10, 0, 10}), "RR WW"},
+            {"an open arc is not filled", red().Record(45, quarter), "WW WW"},
+            {"from the position, and on",
+             filled(path(red()).Record(55, quarter).Record(54, {0, 0}).Record(54, {0, 10})), "RR WW"},
+            {"from the position, upwards", filled(path(upward()).Record(55, upQuarter)), "WR WW"},
+            {"by its angles", filled(path(red()).Record(41, {10, 10, 10, Float(180), Float(90)})), "WW RW"},
+            {"by its angles, clockwise", filled(path(red()).Record(41, {10, 10, 10, Float(180), Float(-90)})),
+             "RW WW"},
+        },
+        Quarters);
 }
 
 TEST(EmfPlayer, TransformsAndMaps) {
-    EmfBuilder shifted(3, 2), turned(3, 2), combined(4, 1), broken(2, 1);
+    EmfBuilder shifted(3, 2), turned(3, 2), broken(2, 1);
+    const auto modified = [](int mode) {
+        EmfBuilder emf(4, 1);
+        Transform(emf, 1, 0, 0, 1, 1, 0).Record(36, {Float(2), 0, 0, Float(1), 0, 0, mode});
+        return emf.Fill(Red).Rectangle(0, 0, 1, 1);
+    };
+    // A box of about three pixels, in units of each size.
+    const auto measured = [](int mode, int units) {
+        return EmfBuilder(4, 4).Record(17, {mode}).Record(12, {0, 4}).Fill(Red).Rectangle(0, 0, units, units);
+    };
+    const auto scaled = [](std::uint32_t type, std::initializer_list<int> scale) {
+        return EmfBuilder(4, 2).Record(17, {8}).Record(type, scale).Fill(Red).Rectangle(0, 0, 4, 1);
+    };
     Transform(shifted, 1, 0, 0, 1, 1, 1).Fill(Red).Rectangle(0, 0, 1, 1);
     Transform(turned, 0, 1, -1, 0, 3, 0).Fill(Red).Rectangle(0, 0, 2, 1);
-    Transform(combined, 1, 0, 0, 1, 1, 0)
-        .Record(36, {Float(2), 0, 0, Float(1), 0, 0, 2})
-        .Fill(Red)
-        .Rectangle(0, 0, 1, 1);
     Transform(broken, NAN, 0, 0, INFINITY, 0, 0).Fill(Red).Rectangle(0, 0, 1, 1);
     ExpectPictures({
         {"a world that shifts", shifted, "WWW WRW"},
         {"a world that turns", turned, "WWR WWR"},
-        {"a transform before the world's", combined, "WRRW"},
+        {"no transform again", modified(1), "RWWW"},
+        {"a transform before the world's", modified(2), "WRRW"},
+        {"a transform after the world's", modified(3), "WWRR"},
+        {"a transform in place of the world's", modified(4), "RRWW"},
+        {"tenths of a millimetre", measured(2, 8), "WWWW RRRW RRRW RRRW"},
+        {"hundredths of a millimetre", measured(3, 79), "WWWW RRRW RRRW RRRW"},
+        {"hundredths of an inch", measured(4, 3), "WWWW RRRW RRRW RRRW"},
+        {"thousandths of an inch", measured(5, 31), "WWWW RRRW RRRW RRRW"},
+        {"a window that grows", scaled(32, {2, 1, 1, 1}), "RRWW WWWW"},
+        {"a viewport that shrinks and grows", scaled(31, {1, 2, 2, 1}), "RRWW RRWW"},
+        {"a viewport never vanishes", scaled(31, {0, 1, 1, 0}), "RRRR WWWW"},
         {"a transform of no numbers is passed over", broken, "RW"},
         {"a window and a viewport",
          EmfBuilder(4, 1)
@@ -137,13 +180,18 @@ TEST(EmfPlayer, GathersPaths) {
     const auto boxPath = [](int width) {
         return EmfBuilder(width, 1).Fill(Red).Record(59, {}).Rectangle(1, 0, 3, 1).Record(60, {});
     };
+    EmfBuilder narrowed(4, 1);
+    for (int left = -9; left < 2; ++left)
+        narrowed.Record(59, {}).Rectangle(left, 0, 3, 1).Record(60, {}).Record(67, {1});
+    narrowed.Fill(Red).Rectangle(0, 0, 4, 1);
     ExpectPictures({
         {"nothing shows before it is filled", boxPath(4), "WWWW"},
         {"filled", boxPath(4).Bounded(62, {}), "WRRW"},
         {"aborted", boxPath(4).Record(68, {}).Bounded(62, {}), "WWWW"},
         {"a clip", boxPath(4).Record(67, {5}).Rectangle(0, 0, 4, 1), "WRRW"},
         {"a clip taken away", boxPath(4).Record(67, {4}).Rectangle(0, 0, 4, 1), "RWWR"},
-        {"stroked after widening",
+        {"clips one after another", narrowed, "WRRW"},
+        {"stroked",
          EmfBuilder(3, 3)
              .Pen(0, 0, Blue)
              .Record(59, {})
@@ -156,6 +204,9 @@ TEST(EmfPlayer, GathersPaths) {
 }
 
 TEST(EmfPlayer, ClipsToRegions) {
+    EmfBuilder turned(4, 4);
+    Transform(turned, 1, 1, -1, 1, 2, 0).Record(29, {0, 0, 2, 2});
+    Transform(turned, 1, 0, 0, 1, 0, 0).Fill(Red).Rectangle(0, 0, 4, 4);
     const auto region = [](int mode) {
         return EmfBuilder(4, 1)
             .Record(30, {0, 0, 2, 1})
@@ -169,6 +220,10 @@ TEST(EmfPlayer, ClipsToRegions) {
         {"xor", region(3), "RWRW"},
         {"difference", region(4), "RWWW"},
         {"copy", region(5), "WRRW"},
+        {"a box that moves",
+         EmfBuilder(4, 1).Record(30, {0, 0, 1, 1}).Record(26, {2, 0}).Fill(Red).Rectangle(0, 0, 4, 1),
+         "WWRW"},
+        {"around a turned box", turned, "RRRR RWWR WWWW RWWR"},
         {"none", EmfBuilder(2, 1).Record(30, {0, 0, 1, 1}).Record(75, {0, 5}).Fill(Red).Rectangle(0, 0, 2, 1),
          "RR"},
     });
@@ -205,6 +260,14 @@ TEST(EmfPlayer, DrawsBitmaps) {
         {"stretched rows from the bottom up",
          EmfBuilder(2, 2).Bounded(81, {0, 0, 0, 0, 2, 1, 80, 40, 120, 0, 0, kSourceCopy, 2, 2}, Dib("RG BW")),
          "BW BW"},
+        {"upside down by its source",
+         EmfBuilder(2, 2).Bounded(81, {0, 0, 0, 2, 2, -2, 80, 40, 120, 0, 0, kSourceCopy, 2, 2},
+                                  Dib("RG BW")),
+         "BW RG"},
+        {"enormous",
+         EmfBuilder(2, 1).Bounded(81, {-49999, 0, 0, 0, 2, 1, 80, 40, 120, 0, 0, kSourceCopy, 100000, 1},
+                                  Dib("RG")),
+         "RG"},
         {"to the device",
          EmfBuilder(3, 2).Bounded(80, {1, 0, 0, 0, 2, 2, 76, 40, 116, 0, 0, 0, 2}, Dib("RG BW")), "WRG WBW"},
         {"a bitmap that lies outside of its record",
@@ -218,6 +281,43 @@ TEST(EmfPlayer, DrawsBitmaps) {
                                        0, 0, 0, 140, 40, 180, 0, 0, 0, 0, 0,        0, 0, 0},
                                   Dib("RG BW")),
          "GW RB"},
+        {"a parallelogram with a mask",
+         EmfBuilder(2, 2).Bounded(79, {0, 2, 0, 0,   2,  2,   0, 0, 2, 2, Float(1), 0,  0,   Float(1), 0,
+                                       0, 0, 0, 140, 40, 180, 0, 0, 0, 0, 196,      40, 236, 0},
+                                  Concatenate({Dib("RG BW"), Dib("WW KW")})),
+         "GW RW"},
+    });
+    // Four fields on a slope: the first comes to lie at the lower left, the second above it.
+    std::string fields;
+    for (const char* row : {"RRRRRRRRRRGGGGGGGGGG ", "BBBBBBBBBBKKKKKKKKKK "})
+        for (int i = 0; i < 10; ++i) fields += row;
+    ExpectPictures(
+        {{"aslant",
+          EmfBuilder(20, 20).Bounded(79, {2, 20, 0, 2,   20, 18,  0, 0, 20, 20, Float(1), 0, 0, Float(1), 0,
+                                          0, 0,  0, 140, 40, 180, 0, 0, 0,  0,  0,        0, 0, 0},
+                                     Dib(fields)),
+          "GK RB"}},
+        Quarters);
+}
+
+TEST(EmfPlayer, KeepsPalettesAndBrushes) {
+    const auto ofPalette = [](std::uint32_t type, std::initializer_list<int> change, int index) {
+        EmfBuilder emf(1, 1);
+        for (const int slot : {1, 2}) emf.Record(49, {slot, 0x20300, Red, Green});
+        emf.Record(48, {1}).Record(type, change).Record(37, {kStockNoPen});
+        return emf.Record(39, {3, 0, 0x01000000 | index, 0}).Record(37, {3}).Rectangle(0, 0, 1, 1);
+    };
+    ExpectPictures({
+        {"a colour of the palette", ofPalette(52, {}, 1), "G"},
+        {"a changed colour", ofPalette(50, {1, 1, 1, Yellow}, 1), "Y"},
+        {"a hatch", EmfBuilder(2, 4).Record(25, {Yellow}).Pen(5, 0, 0).Brush(2, Red).Rectangle(0, 0, 2, 4),
+         "YY YY YY RR"},
+        {"a pen of a pattern",
+         EmfBuilder(4, 2)
+             .Record(95, {1, 52, 40, 92, 0, 0x10200, 2, 5, 0, 0, 0}, Dib("RG"))
+             .Record(37, {1})
+             .Bounded(87, {2}, Points({-9, 1, 9, 1})),
+         "RGRG RGRG"},
     });
 }
 
@@ -227,6 +327,24 @@ TEST(EmfPlayer, FillsGradients) {
     EXPECT_LE(picture.At(0, 0).r, 2);
     EXPECT_NEAR(picture.At(128, 0).r, 128, 3);
     EXPECT_GE(picture.At(255, 0).r, 252);
+
+    const Picture upwards = Must(DecodeEmf(
+        EmfBuilder(1, 256).Bounded(118, {2, 1, 1, 1, 256, 0, 0, 0, 0, 0xFF00, 0, 0, 1}).File(), {}));
+    EXPECT_GE(upwards.At(0, 0).r, 252);
+    EXPECT_NEAR(upwards.At(0, 64).r, 192, 3);
+
+    // Red, green and blue in three corners; a second triangle lacks a corner.
+    constexpr int kFull = 0xFF00, kFullGreen = -0x1000000;
+    const Picture triangle = Must(DecodeEmf(
+        EmfBuilder(20, 20)
+            .Bounded(118, {3, 2, 2, 0, 0, kFull, 0, 20, 0, kFullGreen, 0, 0, 20, 0, kFull, 0, 1, 2, 1, 2, 3})
+            .File(),
+        {}));
+    EXPECT_EQ(triangle.At(0, 0), (Pixel{6, 6, 242, 255}));
+    EXPECT_EQ(triangle.At(18, 0), (Pixel{6, 236, 13, 255}));
+    EXPECT_EQ(triangle.At(0, 18), (Pixel{236, 6, 13, 255}));
+    EXPECT_EQ(triangle.At(6, 6), (Pixel{83, 83, 89, 255}));
+    EXPECT_EQ(triangle.At(15, 15), kWhite);
 }
 
 TEST(EmfPlayer, WritesTextOnItsGround) {
@@ -254,9 +372,8 @@ TEST(EmfPlayer, FindsTheExtentOfThePicture) {
 }
 
 TEST(EmfPlayer, ShowsWhatCommentsCarryWhereNothingIsDrawn) {
-    const auto plus = [](int flags, std::string_view object) {
+    const auto plus = [](int flags, const ByteVector& image) {
         ByteWriter data;
-        const ByteVector image = Hex(object);
         data.U32Le(static_cast<std::uint32_t>(4 + 12 + 4 + (image.empty() ? 0 : 12 + image.size())))
             .Text("EMF+");
         data.U16Le(0x4001).U16Le(static_cast<std::uint32_t>(flags)).U32Le(16).U32Le(4).U32Le(0);
@@ -268,10 +385,16 @@ TEST(EmfPlayer, ShowsWhatCommentsCarryWhereNothingIsDrawn) {
                 .Append(image);
         return EmfBuilder(1, 1).Record(70, {}, data.Written());
     };
-    const char* rawPixels =
-        "0210C0DB 01000000 02000000 01000000 08000000 0A202600 00000000 FF0000FF 00000000";
+    const ByteVector rawPixels =
+        Hex("0210C0DB 01000000 02000000 01000000 08000000 0A202600 00000000 FF0000FF 00000000");
+    const auto raw = [](const char* rest) { return Hex(std::string("0210C0DB 01000000 02000000 ") + rest); };
+    EXPECT_EQ(Played(plus(0, raw("01000000 06000000 08180200 00000000 FF0000 00FF00"))), "BG") << "no alpha";
+    EXPECT_FALSE(DecodeEmf(plus(0, raw("02000000 08000000 0A202600 00000000 FF0000FF")).File(), {}))
+        << "a row is missing";
+    const ByteVector header = raw("00000000 00000000 00000000 01000000 424D 46000000 00000000 36000000");
+    EXPECT_EQ(Played(plus(0, Concatenate({header, Dib("RGB")}))), "RGB") << "a whole file";
     EXPECT_EQ(Played(plus(0, rawPixels)), "BW") << "an image object";
-    EXPECT_FALSE(DecodeEmf(plus(0, "").File(), {})) << "a drawing in newer records alone";
+    EXPECT_FALSE(DecodeEmf(plus(0, {}).File(), {})) << "a drawing in newer records alone";
     EXPECT_EQ(Played(plus(1, rawPixels).Fill(Red).Rectangle(0, 0, 1, 1)), "R") << "a dual file";
 
     const ByteVector wmf = WmfBuilder(2, 1).Fill(Blue).Rectangle(1, 0, 2, 1).File();

@@ -159,6 +159,16 @@ inline Ink InkOf(const Picture& picture) {
     return ink;
 }
 
+/// What colour the quarters of a picture have amid them: "RG BW".
+inline std::string Quarters(const Picture& picture) {
+    Picture quarters = Draw("WW WW");
+    for (int y : {0, 1})
+        for (int x : {0, 1})
+            quarters.MutableRow(y)[static_cast<std::size_t>(x)] =
+                picture.At((11 * x + 4) * picture.Width() / 20, (11 * y + 4) * picture.Height() / 20);
+    return Sketch(quarters);
+}
+
 /// A stroke of 16-bit coordinates.
 inline ByteVector Points(std::initializer_list<int> coordinates) {
     ByteWriter points;

@@ -20,11 +20,23 @@ struct Case {
     const char* expected;
 };
 
-void ExpectPictures(std::initializer_list<Case> cases) {
+void ExpectPictures(std::initializer_list<Case> cases, std::string (*shown)(const Picture&) = Sketch) {
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(Played(row.wmf), row.expected);
+        EXPECT_EQ(shown(Must(DecodeWmf(row.wmf.File(), {}))), row.expected);
     }
+}
+
+/// With the colour of text, and that of the ground.
+WmfBuilder RedOnBlue(int width) {
+    return WmfBuilder(width, 1).Record(0x0209, {0xFF, 0}).Record(0x0201, {0, 0xFF});
+}
+
+/// Has a red brush, and as object 2 a region of 5 by 3 pixels, or what lies inside of their margin.
+WmfBuilder Region(int margin) {
+    const int right = 5 - margin, bottom = 3 - margin;
+    return WmfBuilder(5, 3).Fill(Red).Record(
+        0x06FF, {0, 6, 0, 0, 0, 1, 2, margin, margin, right, bottom, 2, margin, bottom, margin, right, 2});
 }
 
 TEST(WmfPlayer, DrawsShapesOnWholePixels) {
@@ -48,13 +60,41 @@ TEST(WmfPlayer, DrawsShapesOnWholePixels) {
              .Record(0x06FF, {0, 6, 0, 0, 0, 1, 4, 0, 0, 0, 0, 4, 0, 2, 0, 1, 2, 3, 4})
              .Record(0x012B, {2}),
          "RWR RWR"},
+        {"a region inverts", Region(1).Record(0x012A, {2}), "WWWWW WKKKW WWWWW"},
+        {"a region is filled with a brush of its own",
+         Region(1).Record(0x02FC, {0, 0, 0xFF, 0}).Record(0x0228, {2, 3}), "WWWWW WBBBW WWWWW"},
+        {"the frame of a region, one tall and two wide",
+         Region(0).Record(0x02FC, {0, 0, 0xFF, 0}).Record(0x0429, {2, 3, 1, 2}), "BBBBB BBWBB BBBBB"},
+        {"corners wider than tall", WmfBuilder(8, 4).Fill(Red).Record(0x061C, {2, 4, 4, 8, 0, 0}),
+         "??RRRR?? RRRRRRRR RRRRRRRR ??RRRR??"},
+        {"a flood as far as its colour goes",
+         WmfBuilder(4, 1).Record(0x041F, {0xFF, 0, 0, 2}).Brush(0, Blue).Record(0x0548, {1, -1, 0xFF, 0, 0}),
+         "BBRW"},
         {"a flood up to a border",
          WmfBuilder(5, 1).Fill(Red).Rectangle(3, 0, 4, 1).Brush(0, Blue).Record(0x0419, {0xFF, 0, 0, 1}),
          "BBBRW"},
     });
 }
 
+TEST(WmfPlayer, DrawsRoundShapesWhereTheyBelong) {
+    // A quarter from the right (20, 10) to the top (10, 0), counter-clockwise.
+    const std::initializer_list<int> quarter = {0, 10, 10, 20, 20, 20, 0, 0};
+    const auto red = [] { return WmfBuilder(20, 20).Fill(Red); };
+    ExpectPictures(
+        {
+            {"ellipse", red().Record(0x0418, {10, 20, 0, 10}), "WR WW"},
+            {"pie", red().Record(0x081A, quarter), "WR WW"},
+            {"chord", red().Record(0x0830, quarter), "WR WW"},
+            {"arc", WmfBuilder(20, 20).Pen(0, 6, Red).Brush(0, Blue).Record(0x0817, quarter), "WR WW"},
+        },
+        Quarters);
+}
+
 TEST(WmfPlayer, MapsUnitsToPixels) {
+    const auto later = [](std::uint16_t function, std::initializer_list<int> numbers) {
+        WmfBuilder wmf = WmfBuilder(4, 1).Record(0x020E, {100, 800}).Fill(Red).Rectangle(0, 0, 1, 1);
+        return wmf.Record(function, numbers).Rectangle(0, 0, 1, 1);
+    };
     ExpectPictures({
         {"units per inch", WmfBuilder(8, 4, 192).Fill(Red).Rectangle(0, 0, 4, 4), "RRWW RRWW"},
         {"a window replaces the placement",
@@ -73,14 +113,10 @@ TEST(WmfPlayer, MapsUnitsToPixels) {
          "RRWW RRWW"},
         {"a screen's viewport stands for the whole",
          WmfBuilder(4, 2).Record(0x020E, {600, 800}).Fill(Red).Rectangle(0, 0, 2, 2), "RRWW RRWW"},
-        {"a later viewport is relative to it",
-         WmfBuilder(4, 1)
-             .Record(0x020E, {100, 800})
-             .Fill(Red)
-             .Rectangle(0, 0, 1, 1)
-             .Record(0x020D, {0, 400})
-             .Rectangle(0, 0, 1, 1),
-         "RWRW"},
+        {"a later viewport is relative to it", later(0x020D, {0, 400}), "RWRW"},
+        {"a later viewport that shifts", later(0x0211, {0, 600}), "RWWR"},
+        {"a later viewport that grows", later(0x0412, {1, 1, 1, 3}), "RRRW"},
+        {"from right to left", WmfBuilder(3, 1).Record(0x0149, {1}).Fill(Red).Rectangle(0, 0, 1, 1), "WWR"},
         {"without a placement the window is the picture",
          WmfBuilder::WithoutPlacement().Record(0x020C, {1, 3}).Fill(Red).Rectangle(0, 0, 1, 1), "RWW"},
         {"without any extent the drawing is measured",
@@ -130,6 +166,16 @@ TEST(WmfPlayer, DrawsBitmaps) {
          "WRG WBW"},
         {"a block with a source from the top",
          WmfBuilder(2, 1).Record(0x0940, {kCopy[0], kCopy[1], 1, 0, 1, 2, 0, 0}, Dib("RG BK")), "BK"},
+        {"a block that mirrors",
+         WmfBuilder(2, 1).Record(0x0B41, {kCopy[0], kCopy[1], 1, 2, 0, 0, 1, -2, 0, 2}, Dib("RG")), "GR"},
+        {"an old block of colours",
+         WmfBuilder(2, 1).Record(0x0922, {kCopy[0], kCopy[1], 0, 0, 1, 2, 0, 0, 0, 2, 1, 6, 0x1801},
+                                 Hex("0000FF 00FF00")),
+         "RG"},
+        {"an old block of one bit takes the colours of text, and mirrors",
+         RedOnBlue(2).Record(0x0B23, {kCopy[0], kCopy[1], 1, 2, 0, 0, 1, -2, 0, 2, 0, 2, 1, 2, 0x0101},
+                             Hex("4000")),
+         "BR"},
         {"a block without a source",
          WmfBuilder(2, 1).Brush(0, Blue).Record(0x0940, {0x0021, 0x00F0, 0, 0, 0, 1, 1, 0, 1}), "WB"},
         {"a mask and its picture meet",
@@ -143,6 +189,10 @@ TEST(WmfPlayer, DrawsBitmaps) {
 }
 
 TEST(WmfPlayer, FillsWithPatterns) {
+    const auto ofOneBit = [](std::uint16_t function, std::initializer_list<int> bitmap) {
+        WmfBuilder wmf = RedOnBlue(4).Pen(5, 0, 0).Record(function, bitmap);
+        return wmf.Record(0x012D, {1}).Rectangle(0, 0, 4, 1);
+    };
     ExpectPictures({
         {"a bitmap repeats",
          WmfBuilder(4, 1)
@@ -158,18 +208,17 @@ TEST(WmfPlayer, FillsWithPatterns) {
          WmfBuilder(2, 4).Record(0x0102, {1}).Pen(5, 0, 0).Brush(2, Red).Rectangle(0, 0, 2, 4),
          "WW WW WW RR"},
         {"a bitmap of one bit takes the colours of text",
-         WmfBuilder(4, 1)
-             .Record(0x0209, {0xFF, 0})
-             .Record(0x0201, {0, 0xFF})
-             .Pen(5, 0, 0)
-             .Record(0x01F9, {0, 8, 1, 2, 0x0101, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x00A0})
-             .Record(0x012D, {1})
-             .Rectangle(0, 0, 4, 1),
-         "BRBR"},
+         ofOneBit(0x01F9, {0, 8, 1, 2, 0x0101, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0x00A0}), "BRBR"},
+        {"an old bitmap in a newer record", ofOneBit(0x0142, {3, 0, 0, 8, 1, 2, 0x0101, 0x00A0}), "BRBR"},
     });
 }
 
 TEST(WmfPlayer, KeepsObjectsAndStates) {
+    const auto ofPalette = [](std::uint16_t function, std::initializer_list<int> change, int index) {
+        WmfBuilder wmf = WmfBuilder(1, 1).Pen(5, 0, 0).Record(0x00F7, {0x300, 2, 0, 0, 0xFF00, 0});
+        wmf.Record(0x0234, {1}).Record(function, change).Record(0x02FC, {0, index, 0x0100, 0});
+        return wmf.Record(0x012D, {2}).Rectangle(0, 0, 1, 1);
+    };
     ExpectPictures({
         {"a freed slot is the next to be taken",
          WmfBuilder(2, 1)
@@ -191,16 +240,9 @@ TEST(WmfPlayer, KeepsObjectsAndStates) {
          "R"},
         {"selecting nothing changes nothing",
          WmfBuilder(1, 1).Fill(Red).Record(0x012D, {77}).Rectangle(0, 0, 1, 1), "R"},
-        {"a palette's colour",
-         WmfBuilder(1, 1)
-             .Record(0x00F7, {0x300, 2, 0, 0, 0xFF00, 0})
-             .Record(0x0234, {0})
-             .Pen(5, 0, 0)
-             .Record(0x02FC, {0, 1, 0x0100, 0})
-             .Record(0x012D, {2})
-             .Record(0x012D, {1})
-             .Rectangle(0, 0, 1, 1),
-         "G"},
+        {"a palette's colour", ofPalette(0x0035, {}, 1), "G"},
+        {"a palette's changed colour", ofPalette(0x0037, {1, 1, 0xFF, 0}, 1), "R"},
+        {"a palette's longer tail is black", ofPalette(0x0139, {3}, 2), "K"},
         {"restoring the last state",
          WmfBuilder(2, 1)
              .Fill(Red)
@@ -228,6 +270,9 @@ TEST(WmfPlayer, Clips) {
     const auto filled = [](WmfBuilder wmf) { return wmf.Fill(Red).Rectangle(0, 0, 4, 1); };
     ExpectPictures({
         {"to a box", filled(WmfBuilder(4, 1).Record(0x0416, {1, 3, 0, 1})), "WRRW"},
+        {"to a region", Region(1).Record(0x012C, {2}).Rectangle(0, 0, 5, 3), "WWWWW WRRRW WWWWW"},
+        {"to a selected region", Region(1).Record(0x012D, {2}).Rectangle(0, 0, 5, 3), "WWWWW WRRRW WWWWW"},
+        {"no longer", filled(WmfBuilder(4, 1).Record(0x0416, {1, 3, 0, 1}).Record(0x012C, {0})), "RRRR"},
         {"around a box", filled(WmfBuilder(4, 1).Record(0x0415, {1, 3, 0, 1})), "RWWR"},
         {"to a box that moves", filled(WmfBuilder(4, 1).Record(0x0416, {1, 2, 0, 1}).Record(0x0220, {0, 1})),
          "WWRW"},
@@ -286,6 +331,23 @@ TEST(WmfPlayer, FillsTheBoxBehindTextAndTakesAdvances) {
     const std::string ground =
         Played(WmfBuilder(16, 30).Record(0x0201, {0xFF, 0}).Record(0x0A32, {}, call.Written()));
     EXPECT_EQ(ground.substr(10 * 17, 16), "RRRRRRRRRRRWWWWW");
+}
+
+TEST(WmfPlayer, SpreadsAndUnderlinesText) {
+    // The extent of two blanks, by their ground or by the lines through them.
+    const auto written = [](std::initializer_list<int> spread, std::uint16_t function, int lines) {
+        WmfBuilder wmf = WmfBuilder(60, 40).Record(0x02FB, {-20, 0, 0, 0, 400, 256 * lines, lines, 0, 0});
+        wmf.Record(0x012D, {0}).Record(0x0201, {0, 0}).Record(function, spread).Record(0x012E, {24});
+        return InkOf(Must(DecodeWmf(wmf.Record(0x0521, {2, 0x2020, 20, 5}).File(), {})));
+    };
+    const int plain = written({0}, 0x0108, 0).Width();
+    EXPECT_GT(plain, 5);
+    EXPECT_EQ(written({7}, 0x0108, 0).Width(), plain + 14) << "after each character";
+    EXPECT_EQ(written({2, 9}, 0x020A, 0).Width(), plain + 9) << "shared among the blanks";
+    const Ink lines = written({1}, 0x0102, 1);
+    EXPECT_NEAR(lines.Width(), plain, 1);
+    EXPECT_LT(lines.top, 18) << "through the blanks";
+    EXPECT_GE(lines.bottom, 20) << "under the base line";
 }
 
 TEST(WmfPlayer, DrawsWhatABrokenFileStillHolds) {
