@@ -98,6 +98,13 @@ void DeviceContext::CloseFigure() {
     figureOpen_ = false;
 }
 
+void DeviceContext::CloseFigure(QPointF start) {
+    if (pathOpen_) return CloseFigure();
+    const QPointF end = state_.position;
+    LineTo(start);
+    state_.position = end;
+}
+
 void DeviceContext::AddToPath(const QPainterPath& figures) {
     constexpr int kMostElements = 4'000'000;
     if (path_.elementCount() + figures.elementCount() > kMostElements) return;

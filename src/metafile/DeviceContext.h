@@ -156,6 +156,8 @@ class DeviceContext {
     void EndPath() { pathOpen_ = false; }
     void AbortPath();
     void CloseFigure();
+    /// The same where lines may also be drawn at once: then one leads back to their start.
+    void CloseFigure(QPointF start);
     void PaintPath(bool fill, bool stroke);
     void FlattenPath();
     void WidenPath();

@@ -81,11 +81,13 @@ void EmfPlayer::PolyDraw(Record& record) {
     enum PointType : unsigned { kClose = 1, kLine = 2, kBezier = 4, kMove = 6 };
     const std::vector<QPointF> points = ReadCountedPoints(record);
     const Bytes types = record.reader.TakeUpTo(points.size());
+    QPointF start = State().position;
     for (std::size_t i = 0; i < types.size(); ++i) {
         const unsigned kind = types[i] & 6u;
         bool close = (types[i] & kClose) != 0;
         if (kind == kMove) {
-            context_.MoveTo(points[i]);
+            start = points[i];
+            context_.MoveTo(start);
         } else if (kind == kLine) {
             context_.LineTo(points[i]);
         } else if (kind == kBezier && i + 2 < types.size()) {
@@ -93,7 +95,7 @@ void EmfPlayer::PolyDraw(Record& record) {
             i += 2;
             close = (types[i] & kClose) != 0;
         }
-        if (close) context_.CloseFigure();
+        if (close) context_.CloseFigure(start);
     }
 }
 

@@ -61,6 +61,11 @@ TEST(EmfPlayer, DrawsShapesOnWholePixels) {
              .Record(60, {})
              .Bounded(64, {}),
          "BBB BWB BBB"},
+        {"mixed lines, one of them a curve, close their figure without a path as well",
+         EmfBuilder(3, 3)
+             .Pen(0, 0, Blue)
+             .Bounded(56, {6, 0, 0, 1, 0, 1, 0, 2, 0, 2, 2, 0, 2}, Hex("060404040203")),
+         "BBB BWB BBB"},
         {"a flat cap ends at its point",
          EmfBuilder(4, 4)
              .Record(95, {1, 0, 0, 0, 0, 0x10200, 2, 0, static_cast<int>(Red), 0, 0})
