@@ -26,6 +26,24 @@ double UnitOf(MapMode mode) {
     }
 }
 
+QPainterPath WithClosedFigures(const QPainterPath& path) {
+    QPainterPath closed;
+    for (int i = 0; i < path.elementCount(); ++i) {
+        const QPainterPath::Element element = path.elementAt(i);
+        if (element.isMoveTo()) {
+            closed.closeSubpath();
+            closed.moveTo(element);
+        } else if (element.isLineTo()) {
+            closed.lineTo(element);
+        } else {
+            closed.cubicTo(element, path.elementAt(i + 1), path.elementAt(i + 2));
+            i += 2;
+        }
+    }
+    closed.closeSubpath();
+    return closed;
+}
+
 }  // namespace
 
 QPointF Mapping::Scale(QPointF pixelsPerMillimetre) const {
@@ -115,7 +133,7 @@ void DeviceContext::AddToPath(const QPainterPath& figures) {
 void DeviceContext::PaintPath(bool fill, bool stroke) {
     pathOpen_ = false;
     const QPainterPath path = std::exchange(path_, {});
-    Paint(path, fill, stroke);
+    Paint(fill && stroke ? WithClosedFigures(path) : path, fill, stroke);
 }
 
 void DeviceContext::FlattenPath() {

@@ -185,6 +185,13 @@ TEST(EmfPlayer, GathersPaths) {
     const auto boxPath = [](int width) {
         return EmfBuilder(width, 1).Fill(Red).Record(59, {}).Rectangle(1, 0, 3, 1).Record(60, {});
     };
+    // Lines through three points and more, for a red brush.
+    const auto pathOf = [](EmfBuilder emf, const ByteVector& points) {
+        return emf.Brush(0, Red)
+            .Record(59, {})
+            .Bounded(87, {static_cast<int>(points.size() / 4)}, points)
+            .Record(60, {});
+    };
     EmfBuilder narrowed(4, 1);
     for (int left = -9; left < 2; ++left)
         narrowed.Record(59, {}).Rectangle(left, 0, 3, 1).Record(60, {}).Record(67, {1});
@@ -196,6 +203,9 @@ TEST(EmfPlayer, GathersPaths) {
         {"a clip", boxPath(4).Record(67, {5}).Rectangle(0, 0, 4, 1), "WRRW"},
         {"a clip taken away", boxPath(4).Record(67, {4}).Rectangle(0, 0, 4, 1), "RWWR"},
         {"clips one after another", narrowed, "WRRW"},
+        {"an open figure is closed before it is filled and stroked",
+         pathOf(EmfBuilder(3, 3).Pen(0, 0, Blue), Points({0, 0, 2, 0, 2, 2, 0, 2})).Bounded(63, {}),
+         "BBB BRB BBB"},
         {"stroked",
          EmfBuilder(3, 3)
              .Pen(0, 0, Blue)
