@@ -28,6 +28,7 @@ double UnitOf(MapMode mode) {
 
 QPainterPath WithClosedFigures(const QPainterPath& path) {
     QPainterPath closed;
+    closed.setFillRule(path.fillRule());
     for (int i = 0; i < path.elementCount(); ++i) {
         const QPainterPath::Element element = path.elementAt(i);
         if (element.isMoveTo()) {
@@ -138,6 +139,7 @@ void DeviceContext::PaintPath(bool fill, bool stroke) {
 
 void DeviceContext::FlattenPath() {
     QPainterPath flat;
+    flat.setFillRule(path_.fillRule());
     for (const QPolygonF& polygon : path_.toSubpathPolygons()) flat.addPolygon(polygon);
     path_ = flat;
 }
@@ -145,16 +147,17 @@ void DeviceContext::FlattenPath() {
 void DeviceContext::WidenPath() {
     const double margin = 2.0 * std::max(canvas_.Area().width(), canvas_.Area().height());
     const QRectF near = QRectF(canvas_.Area()).adjusted(-margin, -margin, margin, margin);
+    // A line of a pixel has no area: such a path stays as it is.
+    if (!state_.pen.IsVisible() || PenWidth() <= 1) return;
     if (!canvas_.Budget().Spend(50 * LengthWithin(path_, near))) return;
-    path_ = QPainterPathStroker(PenForStroke()).createStroke(CutLines(path_, near));
+    path_ = QPainterPathStroker(PenForStroke()).createStroke(CutLines(PlacedForPen(path_), near));
 }
 
 void DeviceContext::SelectClipPath(ClipMode mode) {
     pathOpen_ = false;
-    QPainterPath path = std::exchange(path_, {});
+    const QPainterPath path = std::exchange(path_, {});
     if (!canvas_.Budget().Spend(50 * LengthWithin(path, canvas_.Area()))) return;
-    path.setFillRule(state_.fillRule);
-    state_.clip.Combine(path, mode);
+    state_.clip.Combine(WithFillRule(path), mode);
     canvas_.SetClip(state_.clip);
 }
 

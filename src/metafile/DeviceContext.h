@@ -185,8 +185,11 @@ class DeviceContext {
     };
 
     void Paint(const QPainterPath& shape, bool fill, bool stroke);
-    void FillShape(QPainterPath shape);
-    /// Strokes a shape whose points are corners between pixels: the pen draws on the pixels behind them.
+    void FillShape(const QPainterPath& shape);
+    /// With the fill rule of the state, but for a widened path: where its lines overlap is no hole.
+    QPainterPath WithFillRule(QPainterPath shape) const;
+    /// Moves a shape whose points are corners between pixels: the pen draws on the pixels behind them.
+    QPainterPath PlacedForPen(const QPainterPath& shape) const;
     void StrokeShape(const QPainterPath& shape);
     void StrokeLine(const QPainterPath& line);
     void AddToPath(const QPainterPath& figures);

@@ -175,16 +175,18 @@ QPen DeviceContext::PenForStroke() const {
     return result;
 }
 
-void DeviceContext::StrokeShape(const QPainterPath& shape) {
-    if (!state_.pen.IsVisible()) return;
+QPainterPath DeviceContext::PlacedForPen(const QPainterPath& shape) const {
     const double width = PenWidth();
     if (width <= kHairline) {
         const QPainterPath line = HairlinePath(shape);
-        StrokeLine(IsDashed(state_.pen.style & Pen::kStyleMask) ? FromPixelEdge(line) : line);
-    } else {
-        const bool odd = std::lround(width) % 2 == 1;
-        StrokeLine(odd ? shape.translated(0.5, 0.5) : shape);
+        return IsDashed(state_.pen.style & Pen::kStyleMask) ? FromPixelEdge(line) : line;
     }
+    const bool odd = std::lround(width) % 2 == 1;
+    return odd ? shape.translated(0.5, 0.5) : shape;
+}
+
+void DeviceContext::StrokeShape(const QPainterPath& shape) {
+    if (state_.pen.IsVisible()) StrokeLine(PlacedForPen(shape));
 }
 
 void DeviceContext::StrokeLine(const QPainterPath& line) {
@@ -196,9 +198,13 @@ void DeviceContext::StrokeLine(const QPainterPath& line) {
     canvas_.Stroke(line, pen, DrawingOperation());
 }
 
-void DeviceContext::FillShape(QPainterPath shape) {
-    shape.setFillRule(state_.fillRule);
-    canvas_.Fill(shape, BrushFor(state_.brush), DrawingOperation());
+QPainterPath DeviceContext::WithFillRule(QPainterPath shape) const {
+    if (state_.fillRule == Qt::WindingFill) shape.setFillRule(Qt::WindingFill);
+    return shape;
+}
+
+void DeviceContext::FillShape(const QPainterPath& shape) {
+    canvas_.Fill(WithFillRule(shape), BrushFor(state_.brush), DrawingOperation());
 }
 
 void DeviceContext::Paint(const QPainterPath& shape, bool fill, bool stroke) {

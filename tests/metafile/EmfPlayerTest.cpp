@@ -206,6 +206,13 @@ TEST(EmfPlayer, GathersPaths) {
         {"an open figure is closed before it is filled and stroked",
          pathOf(EmfBuilder(3, 3).Pen(0, 0, Blue), Points({0, 0, 2, 0, 2, 2, 0, 2})).Bounded(63, {}),
          "BBB BRB BBB"},
+        {"widened to where the pen would draw, corner and all",
+         pathOf(EmfBuilder(4, 4).Record(95, {1, 0, 0, 0, 0, 0x12200, 3, 0, 0, 0, 0}).Record(37, {1}),
+                Points({1, 9, 1, 1, 9, 1}))
+             .Record(66, {})
+             .Bounded(62, {}),
+         "RRRR RRRR RRRR RRRW"},
+        {"no area by a pen of a pixel", boxPath(4).Pen(0, 0, Blue).Record(66, {}).Bounded(62, {}), "WRRW"},
         {"stroked",
          EmfBuilder(3, 3)
              .Pen(0, 0, Blue)
