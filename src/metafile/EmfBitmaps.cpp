@@ -19,15 +19,18 @@ QImage WithTransparentColor(const QImage& image, QRgb key) {
     return keyed;
 }
 
-/// An image that shows where a mask of two colours is white.
-QImage WithMask(const QImage& image, const QImage& mask, QPointF maskCorner) {
+/// An image that shows where a mask is white, or where it is not; `maskCorner` lies on the image's.
+QImage WithMask(const QImage& image, const QImage& mask, QPointF maskCorner, bool white, WorkBudget& budget) {
+    constexpr double kPerPixel = 10;
+    if (!budget.Spend(kPerPixel * image.width() * image.height())) return {};
     QImage masked = image.convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < masked.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(masked.scanLine(y));
         for (int x = 0; x < masked.width(); ++x) {
             const QPointF place = maskCorner + QPointF(x, y);
             const QPoint at = QRectF(mask.rect()).contains(place) ? place.toPoint() : QPoint(-1, -1);
-            if (!mask.valid(at) || qGray(mask.pixel(at)) < 128) row[x] = 0;
+            const bool isWhite = mask.valid(at) && qGray(mask.pixel(at)) >= 128;
+            if (isWhite != white) row[x] = 0;
         }
     }
     return masked;
@@ -125,16 +128,24 @@ void EmfPlayer::BlockTransfer(Record& record, bool stretches) {
 }
 
 void EmfPlayer::MaskBlt(Record& record) {
-    Transfer transfer = ReadTransfer(record);
+    const Transfer transfer = ReadTransfer(record);
     const QPointF maskCorner = ReadPoint(record.reader);
-    const RecordBitmap maskBitmap = ReadBitmapPlace(record);
-    if (!transfer.hasBitmap) return;
-    const QRectF source =
-        transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
-    BitmapCall call = PartOf(Decode(transfer.bitmap), source, transfer.target, RasterOperation::CopySource());
-    const QImage mask = Decode(maskBitmap);
-    if (!mask.isNull() && !call.image.isNull()) call.image = WithMask(call.image, mask, maskCorner);
-    context_.DrawTransparent(call.image, call.target, 1);
+    const QImage mask = Decode(ReadBitmapPlace(record));
+    const auto whereWhite = RasterOperation::OfBitmap(transfer.code);
+    const RasterOperation whereBlack(static_cast<std::uint8_t>(transfer.code >> 24));
+    QRectF source = transfer.sourceTransform.mapRect(QRectF(transfer.sourceCorner, transfer.target.size()));
+    QImage image = Decode(transfer.bitmap);
+    if (!transfer.hasBitmap && !whereWhite.NeedsSource() && !whereBlack.NeedsSource()) {
+        // Any image will do.
+        image = mask;
+        source.moveTopLeft(maskCorner);
+    }
+    if (image.isNull()) return;
+    if (mask.isNull()) return context_.DrawBitmap(PartOf(image, source, transfer.target, whereWhite));
+    for (const bool white : {true, false}) {
+        const QImage masked = WithMask(image, mask, maskCorner - source.topLeft(), white, canvas_.Budget());
+        context_.DrawBitmap(PartOf(masked, source, transfer.target, white ? whereWhite : whereBlack));
+    }
 }
 
 void EmfPlayer::ParallelogramBlt(Record& record) {
@@ -149,13 +160,11 @@ void EmfPlayer::ParallelogramBlt(Record& record) {
     reader.Skip(4);
     const RecordBitmap bitmap = ReadBitmapPlace(record);
     const QPointF maskCorner = ReadPoint(reader);
-    const RecordBitmap maskBitmap = ReadBitmapPlace(record);
     const QRectF source = sourceTransform.mapRect(QRectF(corner, QSizeF(size.x(), size.y())));
-    QImage image = PartOf(Decode(bitmap), source, source, RasterOperation::CopySource()).image;
-    if (!maskBitmap.header.empty() && !image.isNull()) {
-        const QImage mask = Decode(maskBitmap);
-        if (!mask.isNull()) image = WithMask(image, mask, maskCorner);
-    }
+    QImage image = Decode(bitmap);
+    const QImage mask = Decode(ReadBitmapPlace(record));
+    if (!mask.isNull()) image = WithMask(image, mask, maskCorner - source.topLeft(), true, canvas_.Budget());
+    image = PartOf(image, source, source, RasterOperation::CopySource()).image;
     context_.DrawParallelogram(image, {first, second, third});
 }
 

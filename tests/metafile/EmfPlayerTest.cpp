@@ -265,6 +265,14 @@ EmfBuilder& Transfer(EmfBuilder& emf, std::uint32_t type, int operation, std::in
 }
 
 TEST(EmfPlayer, DrawsBitmaps) {
+    // Three pixels on yellow by two operations, a red brush and a mask of white, black and white.
+    const auto masked = [](int operations, const ByteVector& dib, int maskX = 0) {
+        EmfBuilder emf = EmfBuilder(3, 1).Fill(Yellow).Rectangle(0, 0, 3, 1).Brush(0, Red);
+        const auto mask = static_cast<int>(128 + dib.size());
+        Transfer(emf, 78, static_cast<int>(operations * 0x10000u), {0, 0, 3, 1},
+                 {maskX, 0, 0, mask, 40, mask + 40, 0}, Concatenate({dib, Dib("WKW")}));
+        return emf;
+    };
     EmfBuilder copied(3, 1), stretched(4, 1), keyed(2, 1), blended(2, 1);
     Transfer(copied.Fill(Green).Rectangle(0, 0, 3, 1), 76, kSourcePaint, {0, 0, 2, 1}, {}, Dib("RK"));
     Transfer(stretched, 77, kSourceCopy, {4, 0, -4, 1}, {2, 1}, Dib("RR"));
@@ -303,6 +311,10 @@ TEST(EmfPlayer, DrawsBitmaps) {
                                        0, 0, 0, 140, 40, 180, 0, 0, 0, 0, 0,        0, 0, 0},
                                   Dib("RG BW")),
          "GW RB"},
+        {"where a mask is white", masked(0xAACC, Dib("RGB")), "RYB"},
+        {"where a mask is black, shifted", masked(0xCCAA, Dib("RGB"), 1), "RYB"},
+        {"not the ground where a mask is black", masked(0x55CC, Dib("RGC")), "RBC"},
+        {"a brush where a mask is white", masked(0xAAF0, {}), "RYR"},
         {"a parallelogram with a mask",
          EmfBuilder(2, 2).Bounded(79, {0, 2, 0, 0,   2,  2,   0, 0, 2, 2, Float(1), 0,  0,   Float(1), 0,
                                        0, 0, 0, 140, 40, 180, 0, 0, 0, 0, 196,      40, 236, 0},
