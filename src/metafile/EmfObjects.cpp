@@ -155,7 +155,7 @@ void EmfPlayer::CreatePalette(Record& record) {
     const std::uint32_t slot = record.reader.U32Le();
     record.reader.Skip(2);
     const std::size_t count = record.reader.U16Le();
-    objects_.Set(slot, Palette{ReadPaletteColors(record.reader, count)});
+    objects_.Set(slot, Palette(ReadPaletteColors(record.reader, count)));
 }
 
 void EmfPlayer::SetPaletteEntries(Record& record) {
@@ -164,16 +164,13 @@ void EmfPlayer::SetPaletteEntries(Record& record) {
     if (!palette) return;
     const std::size_t start = record.reader.U32Le();
     const std::size_t count = record.reader.U32Le();
-    const std::vector<Pixel> given = ReadPaletteColors(record.reader, count);
-    for (std::size_t i = 0; i < given.size() && start + i < palette->colors.size(); ++i)
-        palette->colors[start + i] = given[i];
-    State().palette = *palette;
+    palette->Change(start, ReadPaletteColors(record.reader, count));
 }
 
 void EmfPlayer::ResizePalette(Record& record) {
     Object* object = objects_.Find(record.reader.U32Le());
     auto* palette = object ? std::get_if<Palette>(object) : nullptr;
-    if (palette) palette->colors.resize(std::min<std::size_t>(record.reader.U32Le(), 65536));
+    if (palette) palette->colors->resize(std::min<std::size_t>(record.reader.U32Le(), 65536));
 }
 
 }  // namespace tessara::metafile

@@ -5,6 +5,7 @@
 #include <QRect>
 #include <QString>
 #include <cstdint>
+#include <memory>
 #include <variant>
 #include <vector>
 
@@ -60,8 +61,16 @@ struct Font {
     QString face;
 };
 
+/// Copies have the colours in common: a change of the object shows in the one that is selected.
 struct Palette {
-    std::vector<Pixel> colors;
+    std::shared_ptr<std::vector<Pixel>> colors;
+
+    explicit Palette(std::vector<Pixel> given = {})
+        : colors(std::make_shared<std::vector<Pixel>>(std::move(given))) {}
+    void Change(std::size_t start, const std::vector<Pixel>& given) const {
+        for (std::size_t i = 0; i < given.size() && start + i < colors->size(); ++i)
+            (*colors)[start + i] = given[i];
+    }
 };
 
 struct Region {

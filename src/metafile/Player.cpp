@@ -28,8 +28,8 @@ QSize PictureSize(double width, double height, std::size_t fileBytes, const Limi
 QRgb ColorOf(std::uint32_t value, const Palette& palette) {
     constexpr std::uint32_t kIndexFlag = 1;
     const std::size_t index = value & 0xFFFF;
-    if (value >> 24 == kIndexFlag && index < palette.colors.size()) {
-        const Pixel color = palette.colors[index];
+    if (value >> 24 == kIndexFlag && index < palette.colors->size()) {
+        const Pixel color = (*palette.colors)[index];
         return qRgb(color.r, color.g, color.b);
     }
     return qRgb(static_cast<int>(value & 0xFF), static_cast<int>((value >> 8) & 0xFF),

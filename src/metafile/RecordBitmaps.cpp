@@ -48,7 +48,7 @@ QImage DecodeBitmap(const RecordBitmap& bitmap, const Palette& palette, const De
         return {};
     DibOptions dibOptions;
     dibOptions.premultipliedAlpha = bitmap.premultipliedAlpha;
-    if (bitmap.usage == ColorUsage::PaletteIndexes) dibOptions.palette = palette.colors;
+    if (bitmap.usage == ColorUsage::PaletteIndexes) dibOptions.palette = *palette.colors;
     ByteVector replaced;
     Bytes header = bitmap.header;
     if (bitmap.usage == ColorUsage::None && bitmap.bits && shape->bitsPerPixel == 1)

@@ -92,7 +92,7 @@ void WmfPlayer::CreateRegion(ByteReader& reader) {
 void WmfPlayer::CreatePalette(ByteReader& reader) {
     reader.Skip(2);
     const std::size_t count = reader.U16Le();
-    objects_.InsertInFirstFree(Palette{ReadPaletteColors(reader, count)});
+    objects_.InsertInFirstFree(Palette(ReadPaletteColors(reader, count)));
 }
 
 void WmfPlayer::CreatePlaceholder(ByteReader&) {
@@ -106,13 +106,11 @@ void WmfPlayer::SelectPalette(ByteReader& reader) {
 void WmfPlayer::SetPaletteEntries(ByteReader& reader) {
     const std::size_t start = reader.U16Le();
     const std::size_t count = reader.U16Le();
-    std::vector<Pixel>& colors = State().palette.colors;
-    const std::vector<Pixel> given = ReadPaletteColors(reader, count);
-    for (std::size_t i = 0; i < given.size() && start + i < colors.size(); ++i) colors[start + i] = given[i];
+    State().palette.Change(start, ReadPaletteColors(reader, count));
 }
 
 void WmfPlayer::ResizePalette(ByteReader& reader) {
-    State().palette.colors.resize(reader.U16Le());
+    State().palette.colors->resize(reader.U16Le());
 }
 
 void WmfPlayer::Select(const Object& object) {

@@ -344,6 +344,8 @@ TEST(EmfPlayer, KeepsPalettesAndBrushes) {
     ExpectPictures({
         {"a colour of the palette", ofPalette(52, {}, 1), "G"},
         {"a changed colour", ofPalette(50, {1, 1, 1, Yellow}, 1), "Y"},
+        {"a changed colour of another", ofPalette(50, {2, 1, 1, Yellow}, 1), "G"},
+        {"a longer tail is black", ofPalette(51, {1, 3}, 2), "K"},
         {"a hatch", EmfBuilder(2, 4).Record(25, {Yellow}).Pen(5, 0, 0).Brush(2, Red).Rectangle(0, 0, 2, 4),
          "YY YY YY RR"},
         {"a pen of a pattern",
