@@ -119,7 +119,9 @@ void WmfPlayer::ScaleWindowExtent(ByteReader& reader) {
     State().mapping.windowExtent = Scaled(State().mapping.windowExtent, reader);
 }
 void WmfPlayer::ScaleViewportExtent(ByteReader& reader) {
-    State().mapping.viewportExtent = Scaled(State().mapping.viewportExtent, reader);
+    const QRectF viewport = FileViewport();
+    const QPointF extent = Scaled({viewport.width(), viewport.height()}, reader);
+    SetFileViewport({viewport.topLeft(), QSizeF(extent.x(), extent.y())});
 }
 
 void WmfPlayer::OffsetClip(ByteReader& reader) {

@@ -116,6 +116,8 @@ TEST(WmfPlayer, MapsUnitsToPixels) {
         {"a later viewport is relative to it", later(0x020D, {0, 400}), "RWRW"},
         {"a later viewport that shifts", later(0x0211, {0, 600}), "RWWR"},
         {"a later viewport that grows", later(0x0412, {1, 1, 1, 3}), "RRRW"},
+        {"a viewport that grows before anything is drawn is no later one",
+         WmfBuilder(4, 1).Record(0x0412, {1, 1, 1, 3}).Fill(Red).Rectangle(0, 0, 1, 1), "RWWW"},
         {"from right to left", WmfBuilder(3, 1).Record(0x0149, {1}).Fill(Red).Rectangle(0, 0, 1, 1), "WWR"},
         {"without a placement the window is the picture",
          WmfBuilder::WithoutPlacement().Record(0x020C, {1, 3}).Fill(Red).Rectangle(0, 0, 1, 1), "RWW"},
