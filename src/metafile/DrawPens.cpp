@@ -163,11 +163,11 @@ QPen DeviceContext::PenForStroke() const {
     const bool thin = width <= kHairline;
     const bool dashed = IsDashed(pen.style & Pen::kStyleMask) && (thin || pen.extended);
     constexpr Qt::PenCapStyle kCaps[] = {Qt::RoundCap, Qt::SquareCap, Qt::FlatCap};
-    constexpr Qt::PenJoinStyle kJoins[] = {Qt::RoundJoin, Qt::BevelJoin, Qt::MiterJoin};
+    constexpr Qt::PenJoinStyle kJoins[] = {Qt::RoundJoin, Qt::BevelJoin, Qt::SvgMiterJoin};
     QPen result(BrushFor(pen.ink), width);
     result.setCapStyle(thin ? dashed ? Qt::FlatCap : Qt::SquareCap : kCaps[static_cast<int>(pen.cap)]);
     result.setJoinStyle(thin ? Qt::MiterJoin : kJoins[static_cast<int>(pen.join)]);
-    result.setMiterLimit(thin ? 1 : std::clamp(state_.miterLimit / 2, 0.5, 50.0));
+    result.setMiterLimit(thin ? 1 : std::clamp(state_.miterLimit, 1.0, 100.0));
     if (dashed) {
         if (const QList<qreal> dashes = DashesOf(pen, width, !thin); !dashes.isEmpty())
             result.setDashPattern(dashes);

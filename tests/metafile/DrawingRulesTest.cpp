@@ -81,6 +81,17 @@ TEST(Pens, TakeTheirStyle) {
     }
 }
 
+TEST(Pens, MitreNoSharperThanTheLimit) {
+    // Two lines that meet at a twentieth of a right angle or so: the tip would lie twenty pixels off.
+    const auto tip = [](std::initializer_list<int> limit) {
+        EmfBuilder emf(40, 9);
+        emf.Record(95, {1, 0, 0, 0, 0, 0x12200, 2, 0, 0, 0, 0}).Record(37, {1}).Record(58, limit);
+        return InkOf(Played(emf.Bounded(87, {3}, Points({0, 4, 10, 4, 0, 5})))).right;
+    };
+    EXPECT_LE(tip({10}), 11);
+    EXPECT_GE(tip({30}), 22);
+}
+
 /// A font of 20 units, selected; angle in tenths of a degree.
 EmfBuilder& Font(EmfBuilder& emf, int slot, std::string_view face, int angle = 0, int width = 0,
                  int height = -20) {
