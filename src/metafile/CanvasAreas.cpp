@@ -91,6 +91,7 @@ void Canvas::FillTriangle(const std::array<QPointF, 3>& corners, const std::arra
 }
 
 void Canvas::FloodFill(QPoint start, const QBrush& brush, std::optional<QRgb> border) {
+    if (brush.style() == Qt::NoBrush) return;
     const QRect pixels = Touch(QRectF(start, QSizeF(1, 1)));
     if (pixels.isEmpty() || !clipBounds_.contains(start)) return;
     if (!budget_.Spend(kPerLayerPixel * AreaOf(clipBounds_))) return;

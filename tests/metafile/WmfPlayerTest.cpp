@@ -70,6 +70,7 @@ TEST(WmfPlayer, DrawsShapesOnWholePixels) {
         {"a flood as far as its colour goes",
          WmfBuilder(4, 1).Record(0x041F, {0xFF, 0, 0, 2}).Brush(0, Blue).Record(0x0548, {1, -1, 0xFF, 0, 0}),
          "BBRW"},
+        {"a flood of nothing", WmfBuilder(2, 1).Brush(1, Blue).Record(0x0548, {1, -1, 0xFF, 0, 0}), "WW"},
         {"a flood up to a border",
          WmfBuilder(5, 1).Fill(Red).Rectangle(3, 0, 4, 1).Brush(0, Blue).Record(0x0419, {0xFF, 0, 0, 1}),
          "BBBRW"},
