@@ -180,8 +180,7 @@ TEST(Text, ReadsEveryFormOfRecord) {
         EXPECT_LE(ink.bottom, 30) << name;
         EXPECT_GE(ink.right, ink.left) << name << " wrote nothing";
     };
-    EmfBuilder small(60, 40), narrow(60, 40), several(60, 40), severalNarrow(60, 40), glyphs(60, 40),
-        shaped(60, 40), symbol(60, 40);
+    EmfBuilder small(60, 40), narrow(60, 40), several(60, 40), glyphs(60, 40), shaped(60, 40), symbol(60, 40);
     expectInk("small text of bytes",
               Font(small.Record(22, {24}), 1, "Arial").Record(108, {10, 30, 2, 0x300, 1, 0, 0}, Hex("4848")));
     ByteWriter call;
@@ -190,10 +189,6 @@ TEST(Text, ReadsEveryFormOfRecord) {
     ByteWriter calls;
     for (const int number : {1, 0, 0, 1, 10, 30, 2, 80, 0x100, 0, 0, 0, 0, 0}) calls.I32Le(number);
     calls.U16Le('H').U16Le('H');
-    ByteWriter bytes;
-    for (const int number : {1, 0, 0, 1, 10, 30, 2, 80, 0x100, 0, 0, 0, 0, 0}) bytes.I32Le(number);
-    expectInk("several texts of bytes",
-              Font(severalNarrow.Record(22, {24}), 1, "Arial").Bounded(96, {}, bytes.Text("HH").Written()));
     expectInk("several texts", Font(several.Record(22, {24}), 1, "Arial").Bounded(97, {}, calls.Written()));
     expectInk("glyphs of a common font",
               Text(Font(glyphs.Record(22, {24}), 1, "Arial"), u"++", 10, 30, {}, 0x10));
