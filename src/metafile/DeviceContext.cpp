@@ -69,6 +69,24 @@ QTransform Mapping::Page(QPointF pixelsPerMillimetre) const {
             viewportOrigin.y() - windowOrigin.y() * scale.y()};
 }
 
+void SetExtent(QPointF& extent, QPointF given) {
+    if (given.x() != 0 && given.y() != 0) extent = given;
+}
+
+void ScaleExtent(QPointF& extent, QPointF numerator, QPointF denominator) {
+    const QPointF scaled(extent.x() * numerator.x() / denominator.x(),
+                         extent.y() * numerator.y() / denominator.y());
+    const bool sane = IsUsable(scaled) && std::abs(scaled.x()) > 1e-6 && std::abs(scaled.y()) > 1e-6;
+    if (sane) extent = scaled;
+}
+
+void Attributes::Select(const Object& object) {
+    if (const auto* given = std::get_if<Pen>(&object)) pen = *given;
+    if (const auto* given = std::get_if<Brush>(&object)) brush = *given;
+    if (const auto* given = std::get_if<Font>(&object)) font = *given;
+    if (const auto* given = std::get_if<Palette>(&object)) palette = *given;
+}
+
 DeviceContext::DeviceContext(Canvas& canvas, const QTransform& toPicture, QPointF pixelsPerMillimetre)
     : canvas_(canvas),
       toPicture_(toPicture),

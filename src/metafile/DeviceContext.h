@@ -38,6 +38,11 @@ struct Mapping {
     QTransform Page(QPointF pixelsPerMillimetre) const;
 };
 
+/// Sets an extent, which never becomes zero.
+void SetExtent(QPointF& extent, QPointF given);
+/// Multiplies an extent by a fraction for each axis; passed over where that makes no sense.
+void ScaleExtent(QPointF& extent, QPointF numerator, QPointF denominator);
+
 /// Bits of the text alignment.
 enum TextAlign : unsigned {
     kUpdatePosition = 1,
@@ -72,6 +77,8 @@ struct Attributes {
     Clip clip;
 
     explicit Attributes(const Clip& everything) : clip(everything) {}
+    /// Takes a pen, a brush, a font or a palette; passes over anything else.
+    void Select(const Object& object);
 };
 
 struct TextCall {

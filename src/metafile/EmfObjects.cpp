@@ -43,13 +43,6 @@ Brush SolidBrush(QRgb color) {
 
 }  // namespace
 
-void EmfPlayer::Select(const Object& object) {
-    if (const auto* pen = std::get_if<Pen>(&object)) State().pen = *pen;
-    if (const auto* brush = std::get_if<Brush>(&object)) State().brush = *brush;
-    if (const auto* font = std::get_if<Font>(&object)) State().font = *font;
-    if (const auto* palette = std::get_if<Palette>(&object)) State().palette = *palette;
-}
-
 void EmfPlayer::SelectStock(std::uint32_t number) {
     struct StockBrush {
         std::uint32_t number;
@@ -74,7 +67,7 @@ void EmfPlayer::SelectStock(std::uint32_t number) {
 void EmfPlayer::SelectObject(Record& record) {
     const std::uint32_t number = record.reader.U32Le();
     if ((number & kStock) != 0) return SelectStock(number & ~kStock);
-    Select(objects_.At(number));
+    State().Select(objects_.At(number));
 }
 
 void EmfPlayer::DeleteObject(Record& record) {
@@ -126,13 +119,9 @@ void EmfPlayer::CreateBrush(Record& record) {
 void EmfPlayer::CreatePatternBrush(Record& record) {
     constexpr std::uint32_t kMonochrome = 93;
     const std::uint32_t slot = record.reader.U32Le();
-    RecordBitmap bitmap;
-    const auto usage = static_cast<ColorUsage>(record.reader.U32Le());
-    bitmap = ReadBitmapPlace(record, false);
-    bitmap.usage = usage;
     Brush brush;
     brush.kind = Brush::Kind::Pattern;
-    brush.tile = Decode(bitmap);
+    brush.tile = Decode(ReadBitmapPlace(record));
     brush.monochrome = record.type == kMonochrome;
     objects_.Set(slot, brush);
 }

@@ -162,7 +162,6 @@ class EmfPlayer {
     DibRecord ReadDibRecord(Record& record) const;
     QImage Decode(const RecordBitmap& bitmap);
     void SelectStock(std::uint32_t number);
-    void Select(const Object& object);
     void ReadTextObject(Record& record, bool wide, bool advanced);
     void DrawDecodedText(Bytes text, bool wide, Bytes advances, unsigned options, TextCall& call);
 

@@ -1,26 +1,19 @@
 // Records that set the mapping, the attributes, the clip and the path.
 
 #include <bit>
-#include <cmath>
 
 #include "metafile/EmfPlayer.h"
 
 namespace tessara::metafile {
 namespace {
 
-void SetNonZero(QPointF& target, QPointF value) {
-    if (value.x() != 0 && value.y() != 0) target = value;
-}
-
-/// Numerator and denominator, x before y; an extent never becomes zero.
-QPointF Scaled(QPointF extent, ByteReader& reader) {
+/// Numerator and denominator, x before y.
+void Scale(QPointF& extent, ByteReader& reader) {
     const double xNumerator = reader.I32Le();
     const double xDenominator = reader.I32Le();
     const double yNumerator = reader.I32Le();
     const double yDenominator = reader.I32Le();
-    const QPointF scaled(extent.x() * xNumerator / xDenominator, extent.y() * yNumerator / yDenominator);
-    const bool sane = IsUsable(scaled) && std::abs(scaled.x()) > 1e-6 && std::abs(scaled.y()) > 1e-6;
-    return sane ? scaled : extent;
+    ScaleExtent(extent, {xNumerator, yNumerator}, {xDenominator, yDenominator});
 }
 
 ClipMode ModeOf(std::uint32_t value) {
@@ -30,22 +23,22 @@ ClipMode ModeOf(std::uint32_t value) {
 }  // namespace
 
 void EmfPlayer::SetWindowExtent(Record& record) {
-    SetNonZero(State().mapping.windowExtent, ReadPoint(record.reader));
+    SetExtent(State().mapping.windowExtent, ReadPoint(record.reader));
 }
 void EmfPlayer::SetWindowOrigin(Record& record) {
     State().mapping.windowOrigin = ReadPoint(record.reader);
 }
 void EmfPlayer::SetViewportExtent(Record& record) {
-    SetNonZero(State().mapping.viewportExtent, ReadPoint(record.reader));
+    SetExtent(State().mapping.viewportExtent, ReadPoint(record.reader));
 }
 void EmfPlayer::SetViewportOrigin(Record& record) {
     State().mapping.viewportOrigin = ReadPoint(record.reader);
 }
 void EmfPlayer::ScaleViewportExtent(Record& record) {
-    State().mapping.viewportExtent = Scaled(State().mapping.viewportExtent, record.reader);
+    Scale(State().mapping.viewportExtent, record.reader);
 }
 void EmfPlayer::ScaleWindowExtent(Record& record) {
-    State().mapping.windowExtent = Scaled(State().mapping.windowExtent, record.reader);
+    Scale(State().mapping.windowExtent, record.reader);
 }
 
 void EmfPlayer::SetMapMode(Record& record) {

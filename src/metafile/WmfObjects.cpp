@@ -114,10 +114,7 @@ void WmfPlayer::ResizePalette(ByteReader& reader) {
 }
 
 void WmfPlayer::Select(const Object& object) {
-    if (const auto* pen = std::get_if<Pen>(&object)) State().pen = *pen;
-    if (const auto* brush = std::get_if<Brush>(&object)) State().brush = *brush;
-    if (const auto* font = std::get_if<Font>(&object)) State().font = *font;
-    if (const auto* palette = std::get_if<Palette>(&object)) State().palette = *palette;
+    State().Select(object);
     if (const auto* region = std::get_if<Region>(&object))
         context_.ClipToRegion(*region, ClipMode::Copy, context_.ToPicture());
 }

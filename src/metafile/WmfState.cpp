@@ -1,25 +1,17 @@
 // Records that set the mapping, the attributes and the clip.
 
-#include <cmath>
-
 #include "metafile/WmfPlayer.h"
 
 namespace tessara::metafile {
 namespace {
 
-void SetNonZero(QPointF& target, QPointF value) {
-    if (value.x() != 0 && value.y() != 0) target = value;
-}
-
-/// Denominator and numerator, y before x; an extent never becomes zero.
-QPointF Scaled(QPointF extent, ByteReader& reader) {
+/// Denominator and numerator, y before x.
+void Scale(QPointF& extent, ByteReader& reader) {
     const double yDenominator = reader.I16Le();
     const double yNumerator = reader.I16Le();
     const double xDenominator = reader.I16Le();
     const double xNumerator = reader.I16Le();
-    const QPointF scaled(extent.x() * xNumerator / xDenominator, extent.y() * yNumerator / yDenominator);
-    const bool sane = IsUsable(scaled) && std::abs(scaled.x()) > 1e-6 && std::abs(scaled.y()) > 1e-6;
-    return sane ? scaled : extent;
+    ScaleExtent(extent, {xNumerator, yNumerator}, {xDenominator, yDenominator});
 }
 
 }  // namespace
@@ -71,7 +63,7 @@ void WmfPlayer::SetWindowOrigin(ByteReader& reader) {
     State().mapping.windowOrigin = ReadYX(reader);
 }
 void WmfPlayer::SetWindowExtent(ByteReader& reader) {
-    SetNonZero(State().mapping.windowExtent, ReadYX(reader));
+    SetExtent(State().mapping.windowExtent, ReadYX(reader));
 }
 void WmfPlayer::OffsetWindowOrigin(ByteReader& reader) {
     State().mapping.windowOrigin += ReadYX(reader);
@@ -116,11 +108,12 @@ void WmfPlayer::OffsetViewportOrigin(ByteReader& reader) {
 }
 
 void WmfPlayer::ScaleWindowExtent(ByteReader& reader) {
-    State().mapping.windowExtent = Scaled(State().mapping.windowExtent, reader);
+    Scale(State().mapping.windowExtent, reader);
 }
 void WmfPlayer::ScaleViewportExtent(ByteReader& reader) {
     const QRectF viewport = FileViewport();
-    const QPointF extent = Scaled({viewport.width(), viewport.height()}, reader);
+    QPointF extent(viewport.width(), viewport.height());
+    Scale(extent, reader);
     SetFileViewport({viewport.topLeft(), QSizeF(extent.x(), extent.y())});
 }
 
