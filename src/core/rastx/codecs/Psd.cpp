@@ -9,6 +9,7 @@
 #include "core/Parallel.h"
 #include "core/rastx/Exif.h"
 #include "core/rastx/codecs/PsdColors.h"
+#include "core/rastx/codecs/PsdComposition.h"
 #include "core/rastx/codecs/PsdFormat.h"
 #include "core/rastx/codecs/PsdLayers.h"
 #include "core/rastx/codecs/PsdPlanes.h"

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 namespace tessara {
 
@@ -27,6 +28,13 @@ constexpr int ColorChannels(PsdMode mode) {
         default:
             return 1;
     }
+}
+
+/// Four letters as the 32-bit number that stands for them in the file.
+constexpr std::uint32_t PsdKey(std::string_view letters) {
+    std::uint32_t key = 0;
+    for (const char letter : letters) key = key << 8 | static_cast<std::uint8_t>(letter);
+    return key;
 }
 
 struct PsdHeader {

@@ -5,7 +5,6 @@
 
 #include "core/Bytes.h"
 #include "core/rastx/Compositor.h"
-#include "core/rastx/codecs/PsdColors.h"
 #include "core/rastx/codecs/PsdFormat.h"
 
 namespace tessara {
@@ -16,7 +15,8 @@ struct PsdLayerRecord {
     enum class Divider { None, Group, End };
 
     struct Channel {
-        int id = 0;  ///< 0 and up colour, -1 alpha, -2 mask
+        static constexpr int kAlpha = -1, kMask = -2;  ///< the others, from 0, are colours
+        int id = 0;
         Bytes samples;
     };
     struct Mask {
@@ -45,10 +45,5 @@ struct PsdLayers {
 
 /// Reads the layer and mask section as far as it goes; a damaged one gives the layers before the damage.
 PsdLayers ReadPsdLayers(Bytes section, const PsdHeader& header);
-
-/// The picture that the layers make. Fails where none of them has pixels to show. Layers that have no pixels
-/// of their own (adjustments, fills, text that was never drawn) leave no trace.
-Result<Picture> ComposePsdLayers(const std::vector<PsdLayerRecord>& records, const PsdHeader& header,
-                                 const PsdColors& colors, const Limits& limits);
 
 }  // namespace tessara
