@@ -19,7 +19,7 @@ struct ScriptedWindow {
         : folder(std::filesystem::temp_directory_path() / (name + "-" + std::to_string(getpid()))) {
         session.AppPath = session.DesktopPath = session.DocumentsPath = folder;
         std::filesystem::create_directory(folder);
-        shell.drives = {{"/", "/ [File System]"}};
+        desktop.shell.drives = {{"/", "/ [File System]"}};
         form.Form_Load();
     }
     ~ScriptedWindow() { std::filesystem::remove_all(folder); }
@@ -28,15 +28,9 @@ struct ScriptedWindow {
 
     const std::string folder;
     Session session;
-    ScriptedPrompts prompts;
-    ScriptedShell shell;
-    ScriptedClipboard clipboard;
-    ScriptedScreen screen;
+    ScriptedServices desktop;
     SystemClock clock;
-    ScriptedRandom random;
-    ScriptedLinkOpener links;
-    ScriptedHelpViewer help;
-    MainForm form{session, {prompts, shell, clipboard, screen, clock, random, links, help}};
+    MainForm form{session, desktop.With(desktop.prompts, desktop.clipboard, clock)};
 };
 
 inline double Milliseconds(const std::function<void()>& work) {

@@ -1,14 +1,10 @@
 #pragma once
 
 #include <QApplication>
-#include <QClipboard>
 #include <QTemporaryDir>
-#include <memory>
 
-#include "desktop/ClipboardCarrier.h"
-#include "desktop/DesktopScreen.h"
-#include "desktop/DesktopShell.h"
 #include "mainwindow/MainForm.h"
+#include "mainwindow/RealServices.h"
 
 namespace tessara::bench {
 
@@ -27,31 +23,17 @@ class SameAnswer final : public Prompts {
 /// The main window on the real desktop, with private files of its own that go with it.
 struct WholeWindow {
     QTemporaryDir privateFiles;
-    DesktopShell shell;
-    Session session = OwnSession();
+    RealServices desktop;
+    Session session = desktop.NewSession(privateFiles.path().toStdString());
     SameAnswer prompts;
-    ClipboardCarrier clipboard{*QApplication::clipboard()};
-    std::unique_ptr<Screen> screen = MakeScreen();
-    SystemClock clock;
-    SystemRandom random;
-    DesktopLinkOpener links;
     ScriptedHelpViewer help;
-    MainForm form{session, {prompts, shell, clipboard, *screen, clock, random, links, help}};
+    MainForm form{session, desktop.With(prompts, help)};
 
     /// Selects a row of the file list, as a click does.
     void ShowRow(int row) {
         form.List().SelectRow(row);
         form.List().ListViewFile_Click();
         QApplication::processEvents();
-    }
-
-  private:
-    Session OwnSession() {
-        Session made;
-        made.AppPath = privateFiles.path().toStdString();
-        made.DesktopPath = shell.SpecialFolderPath(SpecialFolder::Desktop);
-        made.DocumentsPath = shell.SpecialFolderPath(SpecialFolder::Documents);
-        return made;
     }
 };
 

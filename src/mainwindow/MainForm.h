@@ -15,12 +15,7 @@
 #include "browse/FolderTree.h"
 #include "browse/PathBox.h"
 #include "browse/SelectionSummary.h"
-#include "desktop/Clipboard.h"
-#include "desktop/Clock.h"
-#include "desktop/LinkOpener.h"
-#include "desktop/RandomSource.h"
 #include "desktop/RastxPane.h"
-#include "desktop/Screen.h"
 #include "edit/Editor.h"
 #include "edit/WorkingImage.h"
 #include "edit/dialogs/Dialog2.h"
@@ -29,9 +24,9 @@
 #include "edit/dialogs/ScreenCapture.h"
 #include "edit/dialogs/SelectionClipboard.h"
 #include "mainwindow/ConvertButtons.h"
+#include "mainwindow/DesktopServices.h"
 #include "mainwindow/DragBar.h"
 #include "mainwindow/FaceLayout.h"
-#include "mainwindow/Help.h"
 #include "mainwindow/MainMenu.h"
 #include "mainwindow/PanelBar.h"
 #include "mainwindow/TargetFolderButton.h"
@@ -40,18 +35,6 @@
 #include "view/Viewers.h"
 
 namespace tessara {
-
-/// What the desktop around the window offers; real or scripted.
-struct DesktopServices {
-    Prompts& prompts;
-    Shell& shell;
-    Clipboard& clipboard;
-    Screen& screen;
-    Clock& clock;
-    RandomSource& random;
-    LinkOpener& links;
-    HelpViewer& help;
-};
 
 /// The main window: owns the panes and every component of browsing and editing, places them, and is what each
 /// of them knows of the others.

@@ -52,7 +52,7 @@ TEST_F(BitingFoldersTest, AnyNameIsEnteredShownCheckedAndDeleted) {
         ClickRow(0);
         EXPECT_EQ(PaneWidths(), std::pair(3, 3));
         form_->List().SetChecked(0, true);
-        prompts_.answers = {Answer::Yes};
+        desktop_.prompts.answers = {Answer::Yes};
         form_->Imagetool_Click(5);
         EXPECT_FALSE(fs::exists(file));
         EXPECT_TRUE(Rows().empty());
@@ -74,8 +74,8 @@ TEST_F(BitingFoldersTest, AFolderThatGoesWhileItIsShownCanStillBeLeft) {
     EXPECT_EQ(Panel(1), "No image file found in current folder.");
     ClickNode(app_);
     EXPECT_EQ(Rows(), Names{"c.bmp"});
-    EXPECT_TRUE(prompts_.asked.empty());
-    prompts_.answers = {Answer::Retry, Answer::Cancel};
+    EXPECT_TRUE(desktop_.prompts.asked.empty());
+    desktop_.prompts.answers = {Answer::Retry, Answer::Cancel};
     ClickNode(photos_);
     EXPECT_EQ(Asked(), Names(2, "Cannot switch to " + photos_));
     EXPECT_EQ(Panel(1), "No image files found in the current folder.");
@@ -143,7 +143,7 @@ TEST_F(BitingFoldersTest, OnAFullDiskItRunsWithoutItsFiles) {
     ClickRow(0);
     EXPECT_EQ(PaneWidths(), std::pair(3, 3));
     EXPECT_TRUE(form_->close());
-    EXPECT_TRUE(prompts_.asked.empty());
+    EXPECT_TRUE(desktop_.prompts.asked.empty());
     EXPECT_TRUE(fs::is_symlink(app_ + "/ts40.cfg"));
 }
 

@@ -27,14 +27,7 @@ class DrivenMainForm : public testing::Test {
     const std::string disk_ = folder_.File("disk");
     const std::string app_ = folder_.File("disk/app");
     Session session_;
-    ScriptedPrompts prompts_;
-    ScriptedShell shell_;
-    ScriptedClipboard clipboard_;
-    ScriptedScreen screen_;
-    ScriptedClock clock_;
-    ScriptedRandom random_;
-    ScriptedLinkOpener links_;
-    ScriptedHelpViewer help_;
+    ScriptedServices desktop_;
     std::unique_ptr<MainForm> form_;
 
     DrivenMainForm() {
@@ -42,12 +35,11 @@ class DrivenMainForm : public testing::Test {
             std::filesystem::create_directories(folder_.File(name));
         session_.AppPath = app_;
         session_.DocumentsPath = folder_.File("docs");
-        shell_.drives = {{disk_, disk_ + " [DISK]", DriveType::Fixed}};
+        desktop_.shell.drives = {{disk_, disk_ + " [DISK]", DriveType::Fixed}};
     }
 
     bool Load() {
-        form_ = std::make_unique<MainForm>(
-            session_, DesktopServices{prompts_, shell_, clipboard_, screen_, clock_, random_, links_, help_});
+        form_ = std::make_unique<MainForm>(session_, desktop_.All());
         return form_->Form_Load();
     }
     /// A picture file as wide as told.
@@ -75,7 +67,7 @@ class DrivenMainForm : public testing::Test {
     }
     Names Asked() const {
         Names texts;
-        for (const Prompt& prompt : prompts_.asked) texts.push_back(prompt.text);
+        for (const Prompt& prompt : desktop_.prompts.asked) texts.push_back(prompt.text);
         return texts;
     }
     /// Of the pictures in both panes; 0 for none.

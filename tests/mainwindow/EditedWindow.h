@@ -13,9 +13,10 @@ namespace tessara::test {
 /// files are in a folder of their own.
 class EditedWindow {
   public:
-    EditedWindow(Prompts& prompts, Clipboard& clipboard) : clipboard_(clipboard), prompts_(prompts) {
+    EditedWindow(Prompts& prompts, Clipboard& clipboard)
+        : form(session, desktop_.With(prompts, clipboard, desktop_.clock)) {
         session.AppPath = session.DesktopPath = session.DocumentsPath = folder.Path();
-        shell_.drives = {{folder.Path(), folder.Path() + " [DISK]"}};
+        desktop_.shell.drives = {{folder.Path(), folder.Path() + " [DISK]"}};
         if (!form.Form_Load()) throw std::runtime_error("the window would not start");
     }
 
@@ -46,17 +47,10 @@ class EditedWindow {
     Session session;
 
   private:
-    Clipboard& clipboard_;
-    Prompts& prompts_;
-    ScriptedShell shell_;
-    ScriptedScreen screen_;
-    ScriptedClock clock_;
-    ScriptedRandom random_;
-    ScriptedLinkOpener links_;
-    ScriptedHelpViewer help_;
+    ScriptedServices desktop_;
 
   public:
-    MainForm form{session, {prompts_, shell_, clipboard_, screen_, clock_, random_, links_, help_}};
+    MainForm form;
 };
 
 }  // namespace tessara::test

@@ -43,7 +43,7 @@ TEST_F(MainFormTest, AFirstRunStartsInItsOwnFolderAndMakesItsFiles) {
               "Current Options : Convert Selected Files to BMP, GIF, JPG, PNG, WBMP, EMF, TGA, TIF, WMF, ICO "
               "images.");
     EXPECT_FALSE(Control("CommandCon(1)").isEnabled());
-    EXPECT_TRUE(prompts_.asked.empty());
+    EXPECT_TRUE(desktop_.prompts.asked.empty());
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
@@ -104,7 +104,7 @@ TEST_F(MainFormTest, AFolderIsClickedAndItsFilesAreShownInBothPanes) {
     EXPECT_EQ(PaneWidths(), std::pair(3, 3));
 
     session_.ExportChanged = true;
-    prompts_.answers = {Answer::No};
+    desktop_.prompts.answers = {Answer::No};
     ClickRow(2);
     EXPECT_EQ(PaneWidths(), std::pair(3, 3)) << "an unsaved export picture stays";
     session_.ExportChanged = false;
@@ -174,7 +174,7 @@ TEST_F(MainFormTest, ClosingKeepsAnUnsavedExportImageAndTheRecentPaths) {
     ClickNode(disk_ + "/photos");
     test::WriteWhole(app_ + "/Xptemp.ico", AsBytes("icon"));
     session_.ExportChanged = true;
-    prompts_.answers = {Answer::No, Answer::Yes};
+    desktop_.prompts.answers = {Answer::No, Answer::Yes};
     EXPECT_FALSE(form_->close());
     EXPECT_TRUE(form_->isVisible());
     EXPECT_FALSE(fs::exists(recent_));
@@ -206,12 +206,12 @@ TEST_F(MainFormTest, TheHelpMenuEndsACaptureAndLeadsWhereItSays) {
         EXPECT_TRUE(session_.CaptureMode);
         form_->Menus().Item("mHelp", row.entry)->trigger();
         EXPECT_FALSE(session_.CaptureMode) << row.entry;
-        for (Names* told : {&help_.topics, &links_.opened})
+        for (Names* told : {&desktop_.help.topics, &desktop_.links.opened})
             for (const std::string& text : std::exchange(*told, {})) opens += text;
         EXPECT_EQ(std::exchange(opens, {}), row.opens);
     }
     form_->Imagetool_Click(10);
-    EXPECT_EQ(help_.topics, Names{"2-1.htm"});
+    EXPECT_EQ(desktop_.help.topics, Names{"2-1.htm"});
 }
 
 TEST_F(MainFormTest, FilesFoldersAndPicturesCanBeDropped) {

@@ -49,11 +49,11 @@ TEST_F(WindowCommandsTest, EachToolDoesWhatItsTipSays) {
     EXPECT_EQ(PaneWidths(), Widths(3, 1));
     form_->Menus().Item("mTransform", 4)->trigger();
     EXPECT_EQ(PaneWidths(), Widths(3, 3));
-    clipboard_.Put(test::PhotoLike(7, 1));
+    desktop_.clipboard.Put(test::PhotoLike(7, 1));
     Tool(7);
     EXPECT_EQ(PaneWidths(), Widths(7, 7));
     Tool(10);
-    EXPECT_EQ(help_.topics, Names{"2-1.htm"});
+    EXPECT_EQ(desktop_.help.topics, Names{"2-1.htm"});
     for (const bool starts : {true, false}) {
         Tool(11);
         EXPECT_EQ(session_.CaptureMode, starts);

@@ -134,7 +134,7 @@ TEST_F(WindowJobTest, KeysAndOptionsChooseWhatIsConverted) {
         EXPECT_EQ(form_->List().IsChecked(0), row.written.contains("a.png"));
     }
     EXPECT_EQ(counts_.size(), std::size(cases));
-    EXPECT_TRUE(prompts_.asked.empty());
+    EXPECT_TRUE(desktop_.prompts.asked.empty());
 }
 
 TEST_F(WindowJobTest, ExistingTargetsAreAskedForReplacedOrSkipped) {
@@ -152,13 +152,13 @@ TEST_F(WindowJobTest, ExistingTargetsAreAskedForReplacedOrSkipped) {
     for (const Case& row : cases) {
         SCOPED_TRACE(row.overwriteMode);
         for (const char* name : {"a.png", "b.png", "c.png"}) WriteOld(name);
-        prompts_.asked.clear();
-        prompts_.answers = {Answer::Yes, Answer::No, Answer::No};
-        prompts_.files = {target_ + "/d.png", ""};
+        desktop_.prompts.asked.clear();
+        desktop_.prompts.answers = {Answer::Yes, Answer::No, Answer::No};
+        desktop_.prompts.files = {target_ + "/d.png", ""};
         Convert(Qt::Key_F4, row.overwriteMode);
         EXPECT_EQ(TakeTargets(), row.left);
         EXPECT_EQ(counts_.back(), row.counts);
-        EXPECT_EQ(prompts_.asked.size(), row.overwriteMode == 0 ? 3u : 0u);
+        EXPECT_EQ(desktop_.prompts.asked.size(), row.overwriteMode == 0 ? 3u : 0u);
     }
 }
 
@@ -197,7 +197,7 @@ TEST_F(WindowJobTest, WhatCannotBeReadOrWrittenHarmsNothing) {
     std::signal(SIGXFSZ, oldHandler);
     EXPECT_EQ(TakeTargets(), (Widths{{"a.png", 0}})) << "what was there, and nothing beside it";
     EXPECT_EQ(counts_, Names(3, "3 files converted! 3 files created!"));
-    EXPECT_TRUE(prompts_.asked.empty());
+    EXPECT_TRUE(desktop_.prompts.asked.empty());
 }
 
 TEST_F(WindowJobTest, AFolderThatMayNotBeWrittenKeepsItsFiles) {
@@ -220,18 +220,18 @@ TEST_F(WindowJobTest, TheFolderOfTheLastFileIsOfferedUntilTheNextJobOrList) {
     ClickAt(offer, offer.rect().center());
     QApplication::setActiveWindow(form_.get());
     QTest::keyClick(form_->windowHandle(), Qt::Key_N, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor([this] { return links_.opened.size() == 2; }))
+    EXPECT_TRUE(QTest::qWaitFor([this] { return desktop_.links.opened.size() == 2; }))
         << "a key's click takes a moment";
-    EXPECT_EQ(links_.opened, Names(2, start + "/out/"));
+    EXPECT_EQ(desktop_.links.opened, Names(2, start + "/out/"));
 
     Convert(Qt::Key_F4, 2);
     EXPECT_FALSE(offer.isVisible()) << "nothing was written";
 
-    prompts_.answers = {Answer::No};
-    prompts_.files = {disk_ + "/photos/old/d.png"};
+    desktop_.prompts.answers = {Answer::No};
+    desktop_.prompts.files = {disk_ + "/photos/old/d.png"};
     Convert(Qt::Key_F2, 0);
     ClickAt(offer, offer.rect().center());
-    EXPECT_EQ(links_.opened.back(), start + "/photos/old/") << "chosen for that file";
+    EXPECT_EQ(desktop_.links.opened.back(), start + "/photos/old/") << "chosen for that file";
 
     ClickNode(disk_);
     EXPECT_FALSE(offer.isVisible());
@@ -242,10 +242,10 @@ TEST_F(WindowJobTest, OnlyMarkedFilesOfTheListLeaveTheDisk) {
     MakePicture("photos/old/a.bmp", 3);
     Names expected = FilesOnDisk();
     for (const int file : {0, 1}) Mark(file);
-    prompts_.answers = {Answer::No};
+    desktop_.prompts.answers = {Answer::No};
     QTest::keyClick(form_->windowHandle(), Qt::Key_X, Qt::ControlModifier);
     EXPECT_EQ(FilesOnDisk(), expected);
-    prompts_.answers = {Answer::Yes};
+    desktop_.prompts.answers = {Answer::Yes};
     QTest::keyClick(form_->windowHandle(), Qt::Key_X, Qt::ControlModifier);
     for (const char* name : {"a.bmp", "b.BMP"}) std::erase(expected, disk_ + "/photos/" + name);
     EXPECT_EQ(FilesOnDisk(), expected);

@@ -1,4 +1,3 @@
-#include <QClipboard>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
@@ -8,14 +7,12 @@
 #include "core/ProgramFolders.h"
 #include "desktop/AppFolder.h"
 #include "desktop/Application.h"
-#include "desktop/ClipboardCarrier.h"
-#include "desktop/DesktopScreen.h"
-#include "desktop/DesktopShell.h"
 #include "desktop/QtPrompts.h"
 #include "desktop/SingleInstance.h"
 #include "desktop/VisibleFocus.h"
 #include "mainwindow/HelpWindow.h"
 #include "mainwindow/MainForm.h"
+#include "mainwindow/RealServices.h"
 
 namespace tessara {
 namespace {
@@ -54,20 +51,11 @@ class HelpWhenWanted final : public HelpViewer {
 
 /// The window and all that it stands on, until the window is closed.
 void RunDesktop() {
-    DesktopShell shell;
-    Session session;
-    session.AppPath = AppFolder();
-    session.DesktopPath = shell.SpecialFolderPath(SpecialFolder::Desktop);
-    session.DocumentsPath = shell.SpecialFolderPath(SpecialFolder::Documents);
-
+    RealServices desktop;
+    Session session = desktop.NewSession(AppFolder());
     QtPrompts prompts;
-    ClipboardCarrier clipboard(*QApplication::clipboard());
-    const std::unique_ptr<Screen> screen = MakeScreen();
-    SystemClock clock;
-    SystemRandom random;
-    DesktopLinkOpener links;
     HelpWhenWanted help;
-    MainForm form(session, {prompts, shell, clipboard, *screen, clock, random, links, help});
+    MainForm form(session, desktop.With(prompts, help));
     if (form.Form_Load()) QApplication::exec();
 }
 
