@@ -14,11 +14,11 @@
 #include "browse/MarkKeys.h"
 #include "browse/SteadyTree.h"
 #include "browse/TreeDelegate.h"
+#include "desktop/Twips.h"
 
 namespace tessara {
 namespace {
 
-constexpr int kTwipsPerPixel = 15;
 constexpr int kIndentation = 13;  ///< pixels a level: in a narrow tree a deep folder still shows its name
 
 }  // namespace

@@ -2,12 +2,13 @@
 
 #include <algorithm>
 
+#include "desktop/Twips.h"
+
 namespace tessara {
 namespace {
 
 // The design counts with a whole window: the heights of its title bar and menu are lengths of the design too.
 constexpr int kTitleAndMenu = 690;
-constexpr int kTwipsPerPixel = 15;
 constexpr int kTreeLeft = 60;
 constexpr int kTreeWidth = 2850;
 constexpr int kFrameLeast = 300;   ///< a pane's frame that would get lower than this gives up its height...
@@ -19,8 +20,6 @@ constexpr int kDropOffset[] = {30, 120, 120};
 }  // namespace
 
 void FaceLayout::SetFaceS(int width, int height, bool newerStyle) {
-    FrameToolBar1 = {-10 * kTwipsPerPixel, -6 * kTwipsPerPixel, width + 100 * kTwipsPerPixel,
-                     33 * kTwipsPerPixel};
     FrameS = {0, 25 * kTwipsPerPixel, width - 15, height + kTitleAndMenu - 630 - (newerStyle ? 180 : 0)};
 
     TreeViewS = {kTreeLeft, 30, kTreeWidth, FrameS.height - 1095};

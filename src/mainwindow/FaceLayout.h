@@ -17,7 +17,7 @@ struct Face {
 /// toolbar are placed within `FrameS`, the panes, the strip's parts and the progress bars within their
 /// frames.
 struct FaceLayout {
-    Face FrameToolBar1, FrameS;
+    Face FrameS;
     Face TreeViewS, ImageComboPath, StatusBarSico;
     Face ListViewFile, StatusBarSfile;
     std::array<Face, 2> FrameRst, rastx1;

@@ -2,6 +2,7 @@
 #include <QPushButton>
 
 #include "core/SystemVersion.h"
+#include "desktop/Twips.h"
 #include "mainwindow/MainForm.h"
 
 // Where everything in the window stands, and the bars by which the user moves it.
@@ -9,7 +10,6 @@
 namespace tessara {
 namespace {
 
-constexpr int kTwipsPerPixel = 15;
 constexpr int kButtonWidth = 1200;  ///< twips
 
 int Pixels(int twips) {

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "core/SystemVersion.h"
+#include "desktop/Twips.h"
 #include "edit/IconBitmap.h"
 #include "mainwindow/MainForm.h"
 #include "mainwindow/Product.h"
@@ -15,9 +16,7 @@
 namespace tessara {
 namespace {
 
-constexpr int kTwipsPerInch = 1440;
-constexpr int kDesignTwipsPerPixel = 15;
-constexpr int kScreenMargin = 375 / kDesignTwipsPerPixel;  ///< pixels of the screen's height that stay free
+constexpr int kScreenMargin = 375 / kTwipsPerPixel;  ///< pixels of the screen's height that stay free
 
 constexpr char kSmallFontsWarning[] =
     "This programme works in the Small Fonts mode properly, please us the following steps to change your "
@@ -34,7 +33,7 @@ constexpr char kStartFolderBad[] =
 
 bool HasDesignResolution(const QScreen& screen) {
     const auto isDesigned = [](qreal dotsPerInch) {
-        return qRound(kTwipsPerInch / dotsPerInch) == kDesignTwipsPerPixel;
+        return qRound(kTwipsPerInch / dotsPerInch) == kTwipsPerPixel;
     };
     return isDesigned(screen.logicalDotsPerInchX()) && isDesigned(screen.logicalDotsPerInchY());
 }

@@ -1,12 +1,12 @@
 #include "mainwindow/Toolbar.h"
 
+#include "desktop/Twips.h"
 #include "mainwindow/MenuTable.h"
 
 namespace tessara {
 namespace {
 
 constexpr ImageListScheme kPictures = {1, 16, 31};
-constexpr int kTwipsPerPixel = 15;
 
 QString Shown(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));

@@ -16,7 +16,6 @@ class Toolbar final : public QWidget {
 
     /// Along the top of a window of that width in pixels. Its own edges stay out of sight.
     void Place(int windowWidth);
-    void SetBackPict() { PictureToolBack_->SetBackPict(); }
     void SetImageTool(int index, bool enabled) { PictureToolBack_->SetImageTool(index, enabled); }
     /// The pointer has moved beside the buttons, here or elsewhere on the window.
     void ToolbarMouseLeft();

@@ -5,13 +5,14 @@
 
 #include "artwork/FramedCheckBox.h"
 #include "desktop/PathText.h"
+#include "desktop/Twips.h"
 #include "edit/dialogs/Controls.h"
 
 namespace tessara {
 namespace {
 
 int TwipsPerPixel(const QWidget& widget) {
-    return 1440 / widget.logicalDpiY();
+    return kTwipsPerInch / widget.logicalDpiY();
 }
 
 }  // namespace
@@ -168,7 +169,7 @@ int DialogResize::ExportPaneHeight() const {
 void DialogResize::MoveToItsPlace() {
     adjustSize();
     const QRect on = screen()->availableGeometry();
-    const int Top = surroundings_.ListViewFileTop * 15 + 375;
+    const int Top = surroundings_.ListViewFileTop * kTwipsPerPixel + 375;
     move(on.x() + (on.width() - width()) / 2, on.y() + Top / TwipsPerPixel(*this));
 }
 

@@ -8,11 +8,11 @@
 
 #include "desktop/PictureImage.h"
 #include "desktop/SpokenRole.h"
+#include "desktop/Twips.h"
 
 namespace tessara {
 namespace {
 
-constexpr int kTwipsPerPixel = 15;
 constexpr int kLeastWidth = 1200;  ///< below it the title bar is too short to hold the window by...
 constexpr int kSmallWidth = 1350;  ///< ...and the window gets this one
 constexpr int kEdge = 45;
