@@ -2,11 +2,12 @@
 
 #include <QString>
 #include <string>
+#include <string_view>
 
 namespace tessara {
 
-/// Bytes of a path as text to show; bytes that are no UTF-8 show as replacement characters.
-inline QString ShownText(const std::string& bytes) {
+/// Bytes, of a path or a table, as text to show; what is no UTF-8 shows as replacement characters.
+inline QString ShownText(std::string_view bytes) {
     return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 inline std::string BytesOfText(const QString& text) {

@@ -8,6 +8,7 @@
 
 #include "core/SaveName.h"
 #include "desktop/HeldKeyFilter.h"
+#include "desktop/Named.h"
 #include "desktop/PathText.h"
 #include "settings/ConvertOptions.h"
 
@@ -52,12 +53,10 @@ Dialogprogress::Dialogprogress(const Surroundings& surroundings, QWidget* parent
 void Dialogprogress::MakeControls() {
     constexpr const char* kNames[] = {"Files converted", "Files created"};
     for (std::size_t i = 0; i < ProgressBar_.size(); ++i) {
-        ProgressBar_[i] = new CountBar(this);
-        ProgressBar_[i]->setObjectName(QStringLiteral("ProgressBar(%1)").arg(i));
+        ProgressBar_[i] = Named(new CountBar(this), "ProgressBar", i);
         ProgressBar_[i]->setAccessibleName(QString::fromLatin1(kNames[i]));
         ProgressBar_[i]->setTextVisible(false);
-        Label1_[i] = new QLabel(this);
-        Label1_[i]->setObjectName(QStringLiteral("Label1(%1)").arg(i));
+        Label1_[i] = Named(new QLabel(this), "Label1", i);
     }
     CancelButton_ = new QPushButton(QStringLiteral("Cancel"), this);
     CancelButton_->setObjectName(QStringLiteral("CancelButton"));

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 
 #include "browse/PathWalk.h"
+#include "desktop/Named.h"
 #include "desktop/PathText.h"
 #include "edit/dialogs/DialogResize.h"
 
@@ -10,10 +11,6 @@ namespace tessara {
 namespace {
 
 constexpr QSize kSmallestWindow(600, 340);
-
-QString Indexed(const char* name, int index) {
-    return QString::fromLatin1("%1(%2)").arg(QString::fromLatin1(name)).arg(index);
-}
 
 }  // namespace
 
@@ -142,10 +139,8 @@ Rastx::Surroundings MainForm::PaneSurroundings() const {
 
 void MainForm::MakePanes() {
     for (int i : {0, 1}) {
-        FrameRst_[i] = new QWidget(FrameS_);
-        FrameRst_[i]->setObjectName(Indexed("FrameRst", i));
-        panes_[i] = new RastxPane(PaneSurroundings(), FrameRst_[i]);
-        panes_[i]->setObjectName(Indexed("rastx1", i));
+        FrameRst_[i] = Named(new QWidget(FrameS_), "FrameRst", i);
+        panes_[i] = Named(new RastxPane(PaneSurroundings(), FrameRst_[i]), "rastx1", i);
     }
     panes_[0]->setAccessibleName(QStringLiteral("Import image"));
     panes_[1]->setAccessibleName(QStringLiteral("Export image"));
@@ -171,8 +166,7 @@ void MainForm::MakeBars() {
         ConnectBar(i);
     }
     for (int i : {0, 1}) {
-        ProgressBarS_[i] = new QProgressBar(FrameMOve_[i + 1]);
-        ProgressBarS_[i]->setObjectName(Indexed("ProgressBarS", i));
+        ProgressBarS_[i] = Named(new QProgressBar(FrameMOve_[i + 1]), "ProgressBarS", i);
         ProgressBarS_[i]->setAccessibleName(QString::fromLatin1(kProgress[i]));
         ProgressBarS_[i]->setTextVisible(false);
         ProgressBarS_[i]->setRange(1, 110);
@@ -181,18 +175,11 @@ void MainForm::MakeBars() {
 }
 
 void MainForm::MakeStrip() {
-    Frametofile1_ = new QWidget(FrameS_);
-    Frametofile1_->setObjectName(QStringLiteral("Frametofile1"));
-    Picturefrmfile_ = new TiledBack(Frametofile1_);
-    Picturefrmfile_->setObjectName(QStringLiteral("Picturefrmfile"));
-    const auto label = [this](const char* name) {
-        auto* made = new QLabel(Frametofile1_);
-        made->setObjectName(QString::fromLatin1(name));
-        return made;
-    };
-    LabelPict_ = label("LabelPict");
-    LabelXY_ = label("LabelXY");
-    LabelWH_ = label("LabelWH");
+    Frametofile1_ = Named(new QWidget(FrameS_), "Frametofile1");
+    Picturefrmfile_ = Named(new TiledBack(Frametofile1_), "Picturefrmfile");
+    LabelPict_ = Named(new QLabel(Frametofile1_), "LabelPict");
+    LabelXY_ = Named(new QLabel(Frametofile1_), "LabelXY");
+    LabelWH_ = Named(new QLabel(Frametofile1_), "LabelWH");
     for (int i : {0, 1}) {
         Image2and3_[i] = new QFrame(Frametofile1_);
         Image2and3_[i]->setObjectName(QStringLiteral("Image%1").arg(i + 2));
@@ -200,8 +187,8 @@ void MainForm::MakeStrip() {
     }
     const char* const kCaptions[] = {"Con&vert", "&Reload"};
     for (int i : {0, 1}) {
-        CommandCon_[i] = new QPushButton(QString::fromLatin1(kCaptions[i]), Frametofile1_);
-        CommandCon_[i]->setObjectName(Indexed("CommandCon", i));
+        CommandCon_[i] =
+            Named(new QPushButton(QString::fromLatin1(kCaptions[i]), Frametofile1_), "CommandCon", i);
         connect(CommandCon_[i], &QPushButton::clicked, this, [this, i] { convert_->CommandCon_Click(i); });
     }
 }

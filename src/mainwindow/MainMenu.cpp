@@ -2,6 +2,8 @@
 
 #include <QMenu>
 
+#include "desktop/Named.h"
+#include "desktop/PathText.h"
 #include "edit/EffectCatalogue.h"
 
 namespace tessara {
@@ -9,17 +11,13 @@ namespace {
 
 constexpr std::string_view kSeparator = "-";
 
-QString Text(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 QAction* MakeAction(std::string_view caption, QWidget* parent) {
     auto* action = new QAction(parent);
     // A separator with a text would show it, as a heading.
     if (caption == kSeparator)
         action->setSeparator(true);
     else
-        action->setText(Text(caption));
+        action->setText(ShownText(caption));
     return action;
 }
 
@@ -41,8 +39,8 @@ void MainMenu::AddHead(const MenuHead& head) {
 }
 
 QAction* MainMenu::AddMenu(const MenuHead& head, QWidget* above) {
-    auto* menu = new QMenu(Text(head.caption), above);
-    menu->setObjectName(Text(head.name));
+    auto* menu = new QMenu(ShownText(head.caption), above);
+    menu->setObjectName(ShownText(head.name));
     menus_.emplace(head.name, menu);
     if (!head.array.empty()) menus_.emplace(head.array, menu);
     return menu->menuAction();
@@ -51,7 +49,7 @@ QAction* MainMenu::AddMenu(const MenuHead& head, QWidget* above) {
 void MainMenu::AddItem(const MenuItem& item, bool visible) {
     QMenu* menu = menus_.find(item.array)->second;
     QAction* action = MakeAction(item.caption, menu);
-    action->setShortcut(QKeySequence(Text(item.shortcut)));
+    action->setShortcut(QKeySequence(ShownText(item.shortcut)));
     action->setEnabled(item.enabled);
     action->setCheckable(item.checkable);
     action->setVisible(visible);
@@ -61,7 +59,8 @@ void MainMenu::AddItem(const MenuItem& item, bool visible) {
 
 void MainMenu::Enter(QAction* action, std::string_view name, int index) {
     const std::string key(name);
-    action->setObjectName(index == kHead ? Text(name) : Text(name) + QStringLiteral("(%1)").arg(index));
+    const QString shown = ShownText(name);
+    action->setObjectName(index == kHead ? shown : Indexed(shown, index));
     items_.emplace(std::pair(key, index), action);
     // A menu's own action is only pointed at, never triggered.
     QObject::connect(action, &QAction::triggered, &bar_, [this, key, index] { click_(key, index); });

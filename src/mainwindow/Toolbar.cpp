@@ -1,5 +1,6 @@
 #include "mainwindow/Toolbar.h"
 
+#include "desktop/PathText.h"
 #include "desktop/Twips.h"
 #include "mainwindow/MenuTable.h"
 
@@ -7,10 +8,6 @@ namespace tessara {
 namespace {
 
 constexpr ImageListScheme kPictures = {1, 16, 31};
-
-QString Shown(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 
@@ -20,7 +17,7 @@ Toolbar::Toolbar(const Session& session, QWidget* parent)
     PictureToolBack_->setObjectName(QStringLiteral("PictureToolBack"));
     PictureToolBack_->hoverPaused = [this] { return session_.CaptureMode; };
     for (const ToolButton& button : ToolButtons())
-        PictureToolBack_->AddTool(button.icon, Shown(button.tooltip), button.left / kTwipsPerPixel);
+        PictureToolBack_->AddTool(button.icon, ShownText(button.tooltip), button.left / kTwipsPerPixel);
     connect(PictureToolBack_, &ToolStrip::Imagetool_Click, this, &Toolbar::Imagetool_Click);
     connect(PictureToolBack_, &ToolStrip::BackMouseMove, this, &Toolbar::ToolbarMouseLeft);
 }

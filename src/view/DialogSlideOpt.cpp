@@ -57,9 +57,9 @@ DialogSlideOpt::DialogSlideOpt(Session& session, Prompts& prompts, QWidget* pare
 void DialogSlideOpt::MakeControls() {
     for (std::size_t i = 0; i < Check1_.size(); ++i)
         Check1_[i] =
-            Named(new FramedCheckBox(TableText(kFlags[i].caption), this), QStringLiteral("Check1"), i);
+            Named(new FramedCheckBox(ShownText(kFlags[i].caption), this), QStringLiteral("Check1"), i);
     for (std::size_t i = 0; i < Option1_.size(); ++i)
-        Option1_[i] = Named(new QRadioButton(TableText(kOrders[i]), this), QStringLiteral("Option1"), i);
+        Option1_[i] = Named(new QRadioButton(ShownText(kOrders[i]), this), QStringLiteral("Option1"), i);
     HScroll1_ = Named(new ValueSlider(this), QStringLiteral("HScroll1"));
     HScroll1_->SetRange(0, kLongestDelay, kSmallChange, kLargeChange);
     HScroll1_->setMinimumWidth(250);

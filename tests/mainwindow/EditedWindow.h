@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include "desktop/Named.h"
 #include "mainwindow/MainForm.h"
 #include "tests/Support.h"
 
@@ -37,8 +38,7 @@ class EditedWindow {
     /// What the dialogs' controls are found by, in them and in the window.
     template <typename Control>
     static Control& Find(const QObject& parent, const char* name, int index) {
-        auto* const found =
-            parent.findChild<Control*>(QStringLiteral("%1(%2)").arg(QString::fromLatin1(name)).arg(index));
+        auto* const found = parent.findChild<Control*>(Indexed(name, index));
         if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
         return *found;
     }

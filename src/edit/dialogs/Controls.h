@@ -7,25 +7,10 @@
 #include <QString>
 #include <QToolButton>
 #include <span>
-#include <string_view>
+
+#include "desktop/Named.h"
 
 namespace tessara {
-
-/// A control under its own name, or as one of an array.
-template <typename Control>
-Control* Named(Control* control, const QString& name) {
-    control->setObjectName(name);
-    return control;
-}
-template <typename Control>
-Control* Named(Control* control, const QString& array, std::size_t index) {
-    return Named(control, QStringLiteral("%1(%2)").arg(array).arg(index));
-}
-
-/// A text of a table.
-inline QString TableText(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 /// A box for a number of a few digits.
 QLineEdit* MakeValueBox(QWidget* parent);

@@ -63,7 +63,7 @@ void Dialog2::Shape() {
     Neutral();
     if (const EffectParameters* effect = FindEffectParameters(session().EffectCode)) ShapeSliders(*effect);
     CheckDrag_->setChecked(false);
-    CheckDrag_->setText(TableText(DragCaption(session().EffectCode)));
+    CheckDrag_->setText(ShownText(DragCaption(session().EffectCode)));
     Loading_ = false;
 }
 
@@ -88,7 +88,7 @@ std::array<QWidget*, 4> Dialog2::RowOf(std::size_t i) const {
 void Dialog2::ShapeSliders(const EffectParameters& effect) {
     const auto count = static_cast<std::size_t>(effect.SliderCount());
     const auto first = static_cast<std::size_t>(effect.FirstSlider());
-    for (std::size_t i = 0; i < count; ++i) ShapeSlider(first + i, effect, TableText(effect.captions[i]));
+    for (std::size_t i = 0; i < count; ++i) ShapeSlider(first + i, effect, ShownText(effect.captions[i]));
     Label1_[3]->setVisible(!ValueText(effect.valueForm, 0).empty());
     if (effect.code == kNoise) {
         Check1_->setText(QStringLiteral("Monochromatic"));

@@ -5,6 +5,7 @@
 #include "artwork/Artwork.h"
 #include "core/Text.h"
 #include "core/rastx/Codec.h"
+#include "desktop/Named.h"
 #include "settings/dialogs/Dialog1.h"
 
 namespace tessara {
@@ -13,20 +14,10 @@ namespace {
 constexpr int kFormatColumns = 5;
 constexpr int kGap = 14;
 
-QString Text(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 /// Between rows, in pixels. On a small screen they stand closer, so that the dialog still fits.
 int RowGap(const QWidget& dialog) {
     constexpr int kSmallScreen = 480, kSmallGap = 4;
     return dialog.screen()->availableSize().height() < kSmallScreen ? kSmallGap : kGap;
-}
-
-template <typename Control>
-Control* Named(Control* control, const char* name) {
-    control->setObjectName(Text(name));
-    return control;
 }
 
 /// As high as the page that is shown needs; the toolkit's own is as high as the highest. As wide as the
@@ -43,10 +34,8 @@ class FittingTabs final : public QTabWidget {
 template <typename Control, std::size_t count, typename Captions>
 void MakeArray(std::array<Control*, count>& controls, const char* name, const Captions& captions,
                QWidget* parent) {
-    for (std::size_t i = 0; i < count; ++i) {
-        controls[i] = new Control(Text(captions[i]), parent);
-        controls[i]->setObjectName(QStringLiteral("%1(%2)").arg(Text(name)).arg(i));
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        controls[i] = Named(new Control(ShownText(captions[i]), parent), name, i);
 }
 
 /// The extensions of a format table, in capitals.
@@ -60,13 +49,13 @@ std::vector<std::string> Extensions(const Table& table) {
 QToolButton* MakePicture(const char* name, const char* drawing, const char* meaning, QWidget* parent) {
     auto* const picture = Named(new QToolButton(parent), name);
     picture->setIcon(Artwork(drawing));
-    picture->setToolTip(Text(meaning));
-    picture->setAccessibleName(Text(meaning));
+    picture->setToolTip(ShownText(meaning));
+    picture->setAccessibleName(ShownText(meaning));
     return picture;
 }
 
 QLabel* MakeLabel(const char* text, QWidget* buddy) {
-    auto* const label = new QLabel(Text(text), buddy->parentWidget());
+    auto* const label = new QLabel(ShownText(text), buddy->parentWidget());
     label->setBuddy(buddy);
     return label;
 }
@@ -142,10 +131,9 @@ void Dialog1::MakeListControls() {
 void Dialog1::MakeCaptureControls() {
     FrameCapture_ = Named(new QWidget(this), "FrameCapture");
     for (std::size_t i = 0; i < TextSize_.size(); ++i) {
-        TextSize_[i] = Named(new QLineEdit(FrameCapture_), i == 0 ? "TextSize(0)" : "TextSize(1)");
+        TextSize_[i] = Named(new QLineEdit(FrameCapture_), "TextSize", i);
         TextSize_[i]->installEventFilter(this);
-        VScrollSize_[i] =
-            Named(new QScrollBar(Qt::Vertical, FrameCapture_), i == 0 ? "VScrollSize(0)" : "VScrollSize(1)");
+        VScrollSize_[i] = Named(new QScrollBar(Qt::Vertical, FrameCapture_), "VScrollSize", i);
         VScrollSize_[i]->setAccessibleName(i == 0 ? QStringLiteral("Width") : QStringLiteral("Height"));
     }
     Check1_ = Named(new FramedCheckBox(QStringLiteral("Square"), FrameCapture_), "Check1");
