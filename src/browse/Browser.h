@@ -35,8 +35,7 @@ class BrowserHost {
 
     // The frame. Panels count from 1, as their keys do.
     virtual void SetFilePanel(int panel, const std::string& text) = 0;  ///< StatusBarSfile
-    virtual std::string FilePanel(int panel) const = 0;
-    virtual void SetOptionsPanel(const std::string& text) = 0;  ///< panel 1 of StatusBarSico
+    virtual void SetOptionsPanel(const std::string& text) = 0;          ///< panel 1 of StatusBarSico
     virtual void SetCaption(const std::string& text) = 0;
     virtual void SetTreeToolTip(const std::string& text) = 0;
     virtual void BusyCursor(bool on) = 0;
@@ -47,7 +46,6 @@ class BrowserHost {
 
     // Menus and toolbar: `menu` is the name of the control array ("mFile"), or of a menu head with index -1.
     virtual void SetMenuEnabled(const std::string& menu, int index, bool enabled) = 0;
-    virtual bool MenuEnabled(const std::string& menu, int index) const = 0;
     virtual void SetImageTool(int index, bool enabled) = 0;
     virtual void PopMenu(const std::string& selector) = 0;
     /// Marks the list mode in the file menu.

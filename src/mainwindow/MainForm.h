@@ -75,7 +75,6 @@ class MainForm final : public QMainWindow,
     void OpenExportViewer() override;
     void StartSlideShow() override;
     void SetFilePanel(int panel, const std::string& text) override;
-    std::string FilePanel(int panel) const override;
     void SetOptionsPanel(const std::string& text) override;
     void SetCaption(const std::string& text) override;
     void SetTreeToolTip(const std::string& text) override;
@@ -84,7 +83,6 @@ class MainForm final : public QMainWindow,
     void Repaint() override;
     void SetKeyPreview(bool on) override;
     void SetMenuEnabled(const std::string& menu, int index, bool enabled) override;
-    bool MenuEnabled(const std::string& menu, int index) const override;
     void SetImageTool(int index, bool enabled) override;
     void PopMenu(const std::string& selector) override;
     void SetmnFile() override;

@@ -55,10 +55,6 @@ void MainForm::SetFilePanel(int panel, const std::string& text) {
     StatusBarSfile_->SetText(panel, ShownText(text));
 }
 
-std::string MainForm::FilePanel(int panel) const {
-    return BytesOfText(StatusBarSfile_->Text(panel));
-}
-
 void MainForm::SetOptionsPanel(const std::string& text) {
     StatusBarSico_->SetText(1, ShownText(text));
 }
@@ -100,10 +96,6 @@ void MainForm::SetKeyPreview(bool on) {
 
 void MainForm::SetMenuEnabled(const std::string& menu, int index, bool enabled) {
     menus_->SetEnabled(menu, index, enabled);
-}
-
-bool MainForm::MenuEnabled(const std::string& menu, int index) const {
-    return menus_->Enabled(menu, index);
 }
 
 void MainForm::SetImageTool(int index, bool enabled) {

@@ -58,9 +58,4 @@ void Viewers::PutviewExport(int which) {
     }
 }
 
-void Viewers::CloseAll() {
-    if (import_) import_->close();
-    if (export_) export_->close();
-}
-
 }  // namespace tessara

@@ -29,8 +29,6 @@ class Viewers final : public QObject {
     /// picture by way of the clipboard, and the focus goes back to the main window.
     void PutviewExport(int which);
 
-    void CloseAll();
-
   private:
     ViewSurroundings surroundings_;
     std::unique_ptr<FormviewImport> import_;

@@ -46,7 +46,7 @@ class RecordingHost final : public BrowserHost {
         filePanels[panel] = text;
         if (panel == 1) totals.push_back(text);
     }
-    std::string FilePanel(int panel) const override {
+    std::string FilePanel(int panel) const {
         const auto found = filePanels.find(panel);
         return found == filePanels.end() ? std::string() : found->second;
     }
@@ -64,7 +64,7 @@ class RecordingHost final : public BrowserHost {
     void SetMenuEnabled(const std::string& menu, int index, bool enabled) override {
         menus[{menu, index}] = enabled;
     }
-    bool MenuEnabled(const std::string& menu, int index) const override {
+    bool MenuEnabled(const std::string& menu, int index) const {
         const auto found = menus.find({menu, index});
         return found != menus.end() && found->second;
     }

@@ -57,7 +57,9 @@ class DrivenMainForm : public testing::Test {
     QTreeWidget& Tree() const { return Control<QTreeWidget>("TreeViewS"); }
     QComboBox& Box() const { return Control<QComboBox>("ImageComboPath"); }
     std::string Label(const char* name) const { return Control<QLabel>(name).text().toStdString(); }
-    std::string Panel(int panel) const { return form_->FilePanel(panel); }
+    std::string Panel(int panel) const {
+        return Control<PanelBar>("StatusBarSfile").Text(panel).toStdString();
+    }
     std::string Caption() const { return form_->windowTitle().toStdString(); }
     Names Rows() const {
         Names names;

@@ -50,7 +50,8 @@ TEST_F(ViewersTest, OneOpensTheOtherAndEachOnlyOnce) {
     QTest::keyClick(viewers_.Export(), Qt::Key_F6);
     EXPECT_NE(viewers_.Import(), nullptr) << "open again before the closed one is deleted";
     EXPECT_TRUE(session.ViewImportOpen);
-    viewers_.CloseAll();
+    viewers_.Import()->close();
+    viewers_.Export()->close();
     EXPECT_FALSE(session.ViewImportOpen || session.ViewExportOpen);
 }
 
