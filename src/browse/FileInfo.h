@@ -16,8 +16,8 @@ struct FindData {
 void FindFile(const std::string& path, FindData& data);
 
 struct FileInfoTexts {
-    std::int32_t bytes =
-        0;  ///< of a file of 4 GB and more the high word, from 2 GB on negative: kept as it always was
+    /// Of a file of 4 GB and more the high word, from 2 GB on negative: kept as it always was.
+    std::int32_t bytes = 0;
     std::string bytesText;
     std::string dateText;  ///< UTC, plain numbers: "2004-3-5  7:9:2"
 };

@@ -19,14 +19,14 @@
 namespace tessara {
 namespace {
 
-struct Column {
+/// In the order of FileList::Column.
+struct ColumnHead {
     const char* header;
     double widthDivisor;  ///< of the table's width
 };
-constexpr Column kColumns[] = {
+constexpr ColumnHead kColumns[] = {
     {" File Name", 4}, {" File Type", 8}, {" File Size", 5.5}, {" Date/Time   ", 5.5}, {" Index", 6},
 };
-constexpr int kIndexColumn = 4;
 
 }  // namespace
 
@@ -60,7 +60,7 @@ void FileList::SetColors() {
 
 void FileList::MakeColumns() {
     QStringList headers;
-    for (const Column& column : kColumns) headers << QString::fromLatin1(column.header);
+    for (const ColumnHead& column : kColumns) headers << QString::fromLatin1(column.header);
     ListViewFile_->setHeaderLabels(headers);
     ListViewFile_->header()->setStretchLastSection(false);
     ListViewFile_->header()->setSectionsClickable(true);
@@ -124,7 +124,7 @@ void FileList::changeEvent(QEvent* event) {
 
 void FileList::HeaderClicked(int section) {
     // The index is no text to sort by: "10" comes before "9". Names stand for it.
-    SortKey_ = section == kIndexColumn ? 0 : section;
+    SortKey_ = section == kIndexColumn ? static_cast<int>(kNameColumn) : section;
     SortOrder_ = SortOrder_ == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder;
     SortRows();
 }
@@ -206,7 +206,8 @@ void FileList::ListViewFile_Click() {
     const int row = SelectedRow();
     if (row < 0) return;
     const std::string key = KeyOf(row);
-    host.SetFilePanel(3, "Current File = " + BytesOfText(ListViewFile_->topLevelItem(row)->text(0)));
+    host.SetFilePanel(3,
+                      "Current File = " + BytesOfText(ListViewFile_->topLevelItem(row)->text(kNameColumn)));
     if (key != CurrentFile_.Key) {
         host.BusyCursor(true);
         host.LoadPict(key);

@@ -17,6 +17,8 @@ class FileTable;
 class FileList : public QWidget {
     Q_OBJECT
   public:
+    enum Column { kNameColumn, kTypeColumn, kSizeColumn, kTimeColumn, kIndexColumn };
+
     FileList(Browser& browser, QWidget* parent);
 
     QTreeWidget* ListViewFile() const { return ListViewFile_; }
@@ -86,7 +88,7 @@ class FileList : public QWidget {
     QTreeWidget* ListViewFile_ = nullptr;
     std::vector<QIcon> ImageListFile_;  ///< the first is the generic one, which is never removed
     CurrentFileRecord CurrentFile_;
-    int SortKey_ = 0;
+    int SortKey_ = kNameColumn;
     Qt::SortOrder SortOrder_ = Qt::AscendingOrder;  ///< one for all columns
     bool pressedOnCheckBox_ = false;
     bool columnsSized_ = false;

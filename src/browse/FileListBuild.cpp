@@ -155,7 +155,7 @@ void FileList::InsertRows(Build& build) {
     for (auto& row : build.rows) items << row.release();
     const QSignalBlocker blocker(ListViewFile_);
     ListViewFile_->addTopLevelItems(items);
-    const bool asTheFolderIs = SortKey_ == 0 && SortOrder_ == Qt::AscendingOrder;
+    const bool asTheFolderIs = SortKey_ == kNameColumn && SortOrder_ == Qt::AscendingOrder;
     if (!asTheFolderIs) SortRows();
 }
 

@@ -15,6 +15,7 @@
 #include "browse/PathWalk.h"
 #include "desktop/PathText.h"
 #include "settings/RecentPaths.h"
+#include "settings/SettingsFile.h"
 
 namespace tessara {
 namespace {
@@ -34,6 +35,12 @@ class PathCombo final : public QComboBox {
     }
 };
 
+std::vector<std::string> ChildKeys(const FolderNode& node) {
+    std::vector<std::string> keys;
+    for (int i = 0; i < node.childCount(); ++i) keys.push_back(node.Child(i)->Key());
+    return keys;
+}
+
 /// Walks in the folder tree, which reads on the way.
 class FolderWalker final : public TreeWalker {
   public:
@@ -43,9 +50,7 @@ class FolderWalker final : public TreeWalker {
 
     std::vector<std::string> KeysBelow() override {
         if (place_ != tree_.Computer()) tree_.ReadBelow(*place_);
-        std::vector<std::string> keys;
-        for (int i = 0; i < place_->childCount(); ++i) keys.push_back(place_->Child(i)->Key());
-        return keys;
+        return ChildKeys(*place_);
     }
     void Enter(std::size_t position) override { place_ = place_->Child(static_cast<int>(position)); }
 
@@ -56,8 +61,7 @@ class FolderWalker final : public TreeWalker {
 
 /// The key of the drive that a node is on; of the first one for a node that is on none.
 std::string DriveOf(const FolderTree& tree, const FolderNode* node) {
-    std::vector<std::string> keys;
-    for (int i = 0; i < tree.Computer()->childCount(); ++i) keys.push_back(tree.Computer()->Child(i)->Key());
+    const std::vector<std::string> keys = ChildKeys(*tree.Computer());
     if (keys.empty()) return {};
     return keys[DriveOfPath(keys, node == nullptr ? std::string() : tree.RealPathOf(*node)).value_or(0)];
 }
@@ -185,14 +189,14 @@ void PathBox::SetMeCaption() {
 }
 
 void PathBox::SetComboPath() {
-    const std::vector<FormerPath> former = ReadFormerPaths(browser_.session.PrivateFile("ts40.cfg"));
+    const std::vector<FormerPath> former = ReadFormerPaths(browser_.session.PrivateFile(kSettingsFileName));
     for (const FormerPath& entry : former) AddItem(entry.path, browser_.tree->Pictures().IconOf(entry.icon));
     const bool hasFirst = !former.empty() && !former.front().path.empty();
     SetText(hasFirst ? former.front().path : browser_.session.AppPath);
 }
 
 void PathBox::SaveGetComBox(bool read) {
-    const std::string file = browser_.session.PrivateFile("Recentlyused.src");
+    const std::string file = browser_.session.PrivateFile(kRecentPathsName);
     if (read) {
         for (const std::string& path : ReadRecentPaths(file))
             AddItem(path, browser_.tree->Pictures().Icon(TreePicture::ClosedFolder));

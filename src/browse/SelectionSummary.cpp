@@ -6,8 +6,6 @@
 namespace tessara {
 namespace {
 
-constexpr int kSizeColumn = 2;
-
 /// The number that a row's size begins with: the table is the only store of the sizes.
 double BytesOf(const QString& sizeText) {
     return QStringView(sizeText).left(sizeText.indexOf(QLatin1Char(' '))).toDouble();
@@ -29,7 +27,7 @@ Totals TotalsOf(const FileList& list) {
     Totals totals;
     totals.rows = list.RowCount();
     for (int i = 0; i < totals.rows; ++i) {
-        const double bytes = BytesOf(list.ListViewFile()->topLevelItem(i)->text(kSizeColumn));
+        const double bytes = BytesOf(list.ListViewFile()->topLevelItem(i)->text(FileList::kSizeColumn));
         totals.bytes += bytes;
         if (!list.IsChecked(i)) continue;
         totals.checkedBytes += bytes;

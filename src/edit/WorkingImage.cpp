@@ -3,8 +3,13 @@
 #include <array>
 
 #include "edit/LoadRoute.h"
+#include "edit/SelectionGesture.h"
 
 namespace tessara {
+
+std::string SizeLabel(const Rastx& pane) {
+    return "Size : " + std::to_string(pane.ImageWidth()) + " x " + std::to_string(pane.ImageHeight());
+}
 
 WorkingImage::WorkingImage(Session& session, Rastx& importPane, Rastx& exportPane, PictureCarrier& clipboard,
                            WorkingImageHost& host)
@@ -16,12 +21,11 @@ WorkingImage::WorkingImage(Session& session, Rastx& importPane, Rastx& exportPan
 
 void WorkingImage::LoadPict(std::string& path) {
     session_.ImagePath = path;
-    host_.SetImportToolTip("Drag out a rectangle to select");
+    host_.SetImportToolTip(kSelectToolTip);
     importPane_.ClearImage();
     exportPane_.ClearImage();
     LoadIntoPanes(path, std::array{&importPane_, &exportPane_}, {session_, clipboard_, host_.BackColor()});
-    host_.SetLabelPict("Size : " + std::to_string(importPane_.ImageWidth()) + " x " +
-                       std::to_string(importPane_.ImageHeight()));
+    host_.SetLabelPict(SizeLabel(importPane_));
     host_.ClearPositionLabels();
     Setvalid(true);
     PutviewExport(2);

@@ -8,6 +8,9 @@
 
 namespace tessara {
 
+/// What LabelPict tells of a pane's picture.
+std::string SizeLabel(const Rastx& pane);
+
 /// What loading pictures needs of the window around it.
 class WorkingImageHost {
   public:

@@ -8,9 +8,8 @@
 
 // contents.json:
 //
-//   contents  entries, each with a "title", a "page" (or a page, "#" and a mark) and "parts", which are
-//   entries;
-//             either of the last two may be missing
+//   contents  entries, each with a "title", a "page" (or a page, "#" and a mark) and "parts", which
+//             are entries; either of the last two may be missing
 //   index     words and their topics
 
 namespace tessara {

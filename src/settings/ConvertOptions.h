@@ -24,18 +24,19 @@ struct ConvertOptions {
 };
 
 struct SlideOptions {
+    static constexpr std::int32_t kUsualDelay = 2000;
+
     std::uint8_t SlideAuto = 1;
     std::uint8_t SlideResize = 0;
     std::uint8_t SlideFullScreen = 0;
     std::uint8_t SlideCircular = 1;
-    std::int32_t SlideDelay = 2000;  ///< milliseconds
-    std::uint8_t SlideOrder = 0;     ///< 0 forward, 1 reverse, 2 random
+    std::int32_t SlideDelay = kUsualDelay;  ///< milliseconds
+    std::uint8_t SlideOrder = 0;            ///< 0 forward, 1 reverse, 2 random
 
     bool operator==(const SlideOptions&) const = default;
 
     /// Slides that come by themselves need time: a delay of 0 becomes the usual one.
     void RepairDelay() {
-        constexpr std::int32_t kUsualDelay = 2000;
         if (SlideAuto == 1 && SlideDelay == 0) SlideDelay = kUsualDelay;
     }
 };

@@ -5,8 +5,6 @@
 namespace tessara {
 namespace {
 
-constexpr const char* kFileName = "ts40.cfg";
-
 template <typename Rows, typename Flags>
 void TakeFlags(Rows& rows, const Flags& flags) {
     for (std::size_t i = 0; i < rows.size(); ++i) rows[i].Enabled = flags[i];
@@ -53,7 +51,7 @@ OptionsControls ControlsOf(const ConvertOptions& options, const std::string& app
 
 void Getdefault(Session& session, DefaultsHost& host, bool readFile,
                 const std::function<void()>& SaveGefault00) {
-    const SettingsFile file(session.PrivateFile(kFileName));
+    const SettingsFile file(session.PrivateFile(kSettingsFileName));
     if (readFile && file.HasContents() && file.Read(session.ConvertOptions)) {
         TakeFlags(session.formats.ImportFormats, session.ConvertOptions.ImportOn);
         TakeFlags(session.formats.ExportFormats, session.ConvertOptions.ExportOn);
@@ -84,12 +82,12 @@ void Savedefault(Session& session, DefaultsHost& host, const OptionsControls& co
     Take(options.TargetFolder, FolderField(controls.TextOutFolder), changed);
     Take(options.StartFolder, FolderField(controls.TextInFolder), changed);
     TakeIndex(options.OverwriteMode, controls.OptionOv, changed);
-    if (writeFile) Ignore(SettingsFile(session.PrivateFile(kFileName)).Write(options));
+    if (writeFile) Ignore(SettingsFile(session.PrivateFile(kSettingsFileName)).Write(options));
     host.PrintNote();
 }
 
 void SlideOptionsFile(Session& session, bool write) {
-    const SettingsFile file(session.PrivateFile(kFileName));
+    const SettingsFile file(session.PrivateFile(kSettingsFileName));
     Ignore(write ? file.Write(session.SlideOptions) : file.Read(session.SlideOptions));
 }
 

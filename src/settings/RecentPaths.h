@@ -8,6 +8,9 @@
 
 namespace tessara {
 
+/// Its name among the private files.
+inline constexpr char kRecentPathsName[] = "Recentlyused.src";
+
 /// The file of recent paths: records of 100 bytes, each a path and its terminator. Records without a path or
 /// without a terminator are passed over; an incomplete last record is ignored.
 std::vector<std::string> ReadRecentPaths(const std::string& file);

@@ -7,6 +7,9 @@
 
 namespace tessara {
 
+/// Its name among the private files.
+inline constexpr char kSettingsFileName[] = "ts40.cfg";
+
 /// The settings file: two records at fixed places, little-endian, without gaps; 808 bytes once created.
 /// Whatever else the file holds stays as it is when a record is written.
 class SettingsFile {
@@ -18,7 +21,7 @@ class SettingsFile {
     /// Reads the first record as far as the file goes; fields behind its end stay as they are.
     Result<void> Read(ConvertOptions& options) const;
     Result<void> Write(const ConvertOptions& options) const;
-    /// The same for the second record. A delay of 0 with automatic slides becomes 2000.
+    /// The same for the second record. A delay of 0 with automatic slides becomes the usual one.
     Result<void> Read(SlideOptions& options) const;
     Result<void> Write(const SlideOptions& options) const;
 

@@ -108,7 +108,7 @@ void FormviewImport::TellPicture(const std::string& path) {
     const Rastx& pane = rastx1_->rastx();
     SetImportToolTip(kSelectToolTip);
     setWindowTitle(ShownText(CaptionText(path, walk_.ListIndex, ItemCount())));
-    FrameToolBar1_->LabelPict()->setText(ShownText(SizeText(pane.ImageWidth(), pane.ImageHeight())));
+    FrameToolBar1_->LabelPict()->setText(ShownText(PictureSizeText(pane.ImageWidth(), pane.ImageHeight())));
     ShowZoom(100);
     // The level stays: the next step of the zoom goes on from that of the former picture.
     ImageWidth100_ = pane.ImageWidth();

@@ -8,7 +8,7 @@ namespace tessara {
 inline std::string CaptionText(const std::string& path, int ListIndex, int count) {
     return path + "   [" + std::to_string(ListIndex) + "/" + std::to_string(count) + "]";
 }
-inline std::string SizeText(int width, int height) {
+inline std::string PictureSizeText(int width, int height) {
     return "Size: " + std::to_string(width) + " x " + std::to_string(height);
 }
 inline std::string ZoomText(int percent) {

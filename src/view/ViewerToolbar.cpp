@@ -123,7 +123,7 @@ void ViewerToolbar::SetCaption(int innerWidth, const QSize& picture) {
         {LabelXY_, 130, room(width + "," + height)},
         {Image3_, 154, kMarkerSize + kGap},
         {LabelZoom_, 235, room(ZoomText(100))},
-        {LabelPict_, kWidest, room(SizeText(picture.width(), picture.height()))},
+        {LabelPict_, kWidest, room(PictureSizeText(picture.width(), picture.height()))},
     };
     int before = hidden;
     for (Place& place : places) {

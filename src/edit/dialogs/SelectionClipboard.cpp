@@ -1,5 +1,7 @@
 #include "edit/dialogs/SelectionClipboard.h"
 
+#include "edit/WorkingImage.h"
+
 namespace tessara {
 namespace {
 
@@ -40,8 +42,7 @@ void SelectionClipboard::mEdit_Click(int Index) {
 }
 
 void SelectionClipboard::ShowImportSize() {
-    host_.SetLabelPict("Size : " + std::to_string(importPane_.ImageWidth()) + " x " +
-                       std::to_string(importPane_.ImageHeight()));
+    host_.SetLabelPict(SizeLabel(importPane_));
     host_.SetImportToolTip(kSelectToolTip);
 }
 
