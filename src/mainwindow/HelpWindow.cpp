@@ -13,7 +13,7 @@
 #include "artwork/Artwork.h"
 #include "desktop/PathText.h"
 #include "desktop/SpokenRole.h"
-#include "mainwindow/Product.h"
+#include "settings/Product.h"
 
 namespace tessara {
 namespace {

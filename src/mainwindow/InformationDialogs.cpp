@@ -10,7 +10,7 @@
 
 #include "artwork/Artwork.h"
 #include "desktop/SpokenRole.h"
-#include "mainwindow/Product.h"
+#include "settings/Product.h"
 
 namespace tessara {
 

@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 
 #include "artwork/Artwork.h"
-#include "mainwindow/Product.h"
+#include "settings/Product.h"
 
 namespace tessara {
 namespace {

@@ -7,9 +7,9 @@
 #include "desktop/Twips.h"
 #include "edit/IconBitmap.h"
 #include "mainwindow/MainForm.h"
-#include "mainwindow/Product.h"
 #include "mainwindow/SplashForm.h"
 #include "settings/Defaults.h"
+#include "settings/Product.h"
 
 // The load step of the main window, and its end.
 

@@ -5,6 +5,7 @@
 #include "core/FormatTables.h"
 #include "core/rastx/Picture.h"
 #include "settings/ConvertOptions.h"
+#include "settings/Product.h"
 
 namespace tessara {
 
@@ -17,7 +18,7 @@ struct Session {
     std::string DocumentsPath;  ///< the user's documents folder
 
     /// What the captions of the window begin with.
-    std::string ProgramTitle = "Tessara Pro v4.0";
+    std::string ProgramTitle = std::string(kProductCaption) + kVersionText;
 
     // Options.
     FormatTables formats;
@@ -40,9 +41,9 @@ struct Session {
     bool HelpOpened = false;
 
     // What the panes hold.
-    std::string ImagePath;       ///< full path of the file shown; empty after a paste
-    bool ImageValid = false;     ///< the panes hold a picture
-    bool ExportChanged = false;  ///< the export picture has changes that were not saved
+    std::string ImagePath;             ///< full path of the file shown; empty after a paste
+    bool ImageValid = false;           ///< the panes hold a picture
+    bool ExportChanged = false;        ///< the export picture has changes that were not saved
     bool SelectionActive = false;      ///< a rubber band stands on the import pane
     bool SelectionViewActive = false;  ///< a rubber band stands in the image viewer
     bool ViewImportOpen = false;
