@@ -13,7 +13,7 @@ namespace tessara {
 /// What a job is told.
 struct BatchOptions {
     int ConvertScope = 0;  ///< 0 current file, 1 selected files, 2 all graphics
-    std::array<bool, 10> ExportOn{};
+    std::array<bool, kExportFormatCount> ExportOn{};
     std::string TargetFolder = {};
     int OverwriteMode = 0;  ///< 0 ask, 1 replace, 2 skip
     int SelectedCount = 0;  ///< checked rows of the list

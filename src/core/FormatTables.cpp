@@ -7,6 +7,9 @@
 
 namespace tessara {
 
+static_assert(decltype(ImportFormatTable())::extent == kImportFormatCount);
+static_assert(decltype(ExportFormatTable())::extent == kExportFormatCount);
+
 void FormatTables::SetFormats() {
     const auto fill = [](auto& rows, const auto& table) {
         for (std::size_t i = 0; i < rows.size(); ++i) rows[i].Ext = UpperCase(table[i].label);

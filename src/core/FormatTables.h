@@ -1,9 +1,14 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string>
 
 namespace tessara {
+
+/// How many extensions are read and written.
+inline constexpr std::size_t kImportFormatCount = 25;
+inline constexpr std::size_t kExportFormatCount = 10;
 
 /// One format as the user sees it: its extension in capitals, and whether it is switched on.
 struct FormatRow {
@@ -13,8 +18,8 @@ struct FormatRow {
 
 /// The formats that are read and written, in the fixed orders that the settings file's flags follow.
 struct FormatTables {
-    std::array<FormatRow, 25> ImportFormats;
-    std::array<FormatRow, 10> ExportFormats;
+    std::array<FormatRow, kImportFormatCount> ImportFormats;
+    std::array<FormatRow, kExportFormatCount> ExportFormats;
 
     /// Fills `Ext` of every row, in capitals; `Enabled` stays.
     void SetFormats();

@@ -4,14 +4,16 @@
 #include <cstdint>
 #include <string>
 
+#include "core/FormatTables.h"
+
 namespace tessara {
 
 /// The options that survive a run, as the settings file holds them.
 struct ConvertOptions {
     bool ListAllFiles = false;  ///< list mode "All Files"
-    std::array<bool, 25> ImportOn{};
+    std::array<bool, kImportFormatCount> ImportOn{};
     std::uint8_t ConvertScope = 0;  ///< 0 current file, 1 selected files, 2 all graphics
-    std::array<bool, 10> ExportOn{};
+    std::array<bool, kExportFormatCount> ExportOn{};
     std::string TargetFolder;        ///< a folder field, see FolderOf
     std::string StartFolder;         ///< a folder field
     std::uint8_t OverwriteMode = 0;  ///< 0 ask, 1 replace, 2 skip

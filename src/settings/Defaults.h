@@ -11,9 +11,9 @@ namespace tessara {
 /// What the options dialog shows of the stored options.
 struct OptionsControls {
     int OptionList = 1;  ///< 0 all files, 1 all graphics, 2 graphics for import
-    std::array<bool, 25> CheckIn{};
+    std::array<bool, kImportFormatCount> CheckIn{};
     int OptionPic = 0;  ///< as ConvertScope; -1 for none
-    std::array<bool, 10> CheckOut{};
+    std::array<bool, kExportFormatCount> CheckOut{};
     std::string TextOutFolder;
     std::string TextInFolder;
     int OptionOv = 0;  ///< as OverwriteMode; -1 for none

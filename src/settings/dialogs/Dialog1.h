@@ -101,7 +101,7 @@ class Dialog1 final : public QDialog {
     std::array<QRadioButton*, 3> OptionPic_;
     PathEdit* TextFile_;
     QGroupBox* Frame2_;  ///< "Export to"
-    std::array<FramedCheckBox*, 10> CheckOut_;
+    std::array<FramedCheckBox*, kExportFormatCount> CheckOut_;
     PathEdit* TextOutFolder_;
     QToolButton* ImageOutFolder_;
     std::array<QRadioButton*, 3> OptionOv_;
@@ -110,7 +110,7 @@ class Dialog1 final : public QDialog {
     PathEdit* TextInFolder_;
     QToolButton* ImageinFolder_;
     QGroupBox* Frame1_;  ///< formats that are read
-    std::array<FramedCheckBox*, 25> CheckIn_;
+    std::array<FramedCheckBox*, kImportFormatCount> CheckIn_;
     std::array<QPushButton*, 2> Command2_;
     QWidget* FrameCapture_;
     std::array<QLineEdit*, 2> TextSize_;
