@@ -56,7 +56,6 @@ HelpWindow::HelpWindow(const std::string& folder)
     LayOut();
     AddTools();
     AddKeys();
-    connect(sides_, &QTabWidget::currentChanged, this, [this] { sides_->currentWidget()->setFocus(); });
     connect(contents_, &HelpContents::TopicChosen, page_, &HelpPage::Open);
     connect(index_, &HelpIndex::TopicChosen, page_, &HelpPage::Open);
     connect(page_, &QTextBrowser::sourceChanged, this,

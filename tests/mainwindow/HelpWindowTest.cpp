@@ -5,6 +5,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTest>
 #include <QTextBlock>
 
@@ -156,6 +157,9 @@ TEST_F(HelpWindowTest, KeysLeadFromThePageToTheSidesAndBack) {
     EXPECT_EQ(press(Qt::Key_F6), window.Page());
     EXPECT_EQ(press(Qt::Key_I, Qt::AltModifier), window.Index()->Word());
     EXPECT_EQ(press(Qt::Key_C, Qt::AltModifier), window.Contents());
+    auto* const tabs = window.findChild<QTabBar*>();
+    tabs->setFocus();
+    EXPECT_EQ(press(Qt::Key_Right), tabs) << "who walks along the tabs stays on them";
 }
 
 TEST_F(HelpWindowTest, PagesFollowThePalette) {
