@@ -145,7 +145,6 @@ void FolderTree::RefreshTreeViewS() {
     FileEnumerator& files = browser_.FileViewFile;
     const std::string saved = browser_.box->Text();
     naming_->Abandon();
-    pressedNode_ = nullptr;
     TreeViewS_->clear();
     browser_.host.Repaint();
     ResetTreeViewS(false);

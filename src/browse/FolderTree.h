@@ -83,8 +83,7 @@ class FolderTree : public QWidget {
     // Events.
     void ConnectTree();
     void NodeExpanded(FolderNode& node);
-    bool MousePressed(const QPoint& position, Qt::MouseButton button);
-    void MouseReleased(const QPoint& position, Qt::MouseButton button);
+    bool MousePressed(Qt::MouseButton button);
     void MakeVisible(int X, int Y);
 
     Browser& browser_;
@@ -100,7 +99,6 @@ class FolderTree : public QWidget {
     bool ExpandPending_ = false;          ///< the next click reads what is below its node
     std::string LastFolder_;              ///< the folder last given to the file list by a click
     int LastFolderCount_ = 0;             ///< the list's rows at that moment
-    FolderNode* pressedNode_ = nullptr;
 };
 
 }  // namespace tessara

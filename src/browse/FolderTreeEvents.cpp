@@ -137,14 +137,11 @@ bool FolderTree::eventFilter(QObject*, QEvent* event) {
     const auto mouse = [&]() -> QMouseEvent& { return static_cast<QMouseEvent&>(*event); };
     switch (event->type()) {
         case QEvent::MouseButtonPress:
-            return MousePressed(mouse().position().toPoint(), mouse().button());
+            return MousePressed(mouse().button());
         case QEvent::MouseButtonDblClick:
             return naming_->IsNaming();
-        case QEvent::MouseMove:
-            // A press that slips does not take the selection along.
-            return mouse().buttons().testFlag(Qt::LeftButton);
         case QEvent::MouseButtonRelease:
-            MouseReleased(mouse().position().toPoint(), mouse().button());
+            SetDropHighlightToNothing();
             return false;
         case QEvent::DragEnter:
         case QEvent::DragMove: {
@@ -165,26 +162,12 @@ bool FolderTree::eventFilter(QObject*, QEvent* event) {
 }
 
 /// Whether the press goes no further.
-bool FolderTree::MousePressed(const QPoint& position, Qt::MouseButton button) {
+bool FolderTree::MousePressed(Qt::MouseButton button) {
     naming_->FinishLabelEdit();
     if (naming_->IsNaming()) return true;
-    pressedNode_ = nullptr;
-    if (button == Qt::RightButton) {
-        browser_.host.PopMenu("TreeViewS");
-        return true;
-    }
-    if (button == Qt::LeftButton) pressedNode_ = static_cast<FolderNode*>(TreeViewS_->itemAt(position));
-    return false;
-}
-
-void FolderTree::MouseReleased(const QPoint& position, Qt::MouseButton button) {
-    SetDropHighlightToNothing();
-    if (button != Qt::LeftButton || pressedNode_ == nullptr) return;
-    // The view tells of no click where the pointer has slipped off the node that the press has selected.
-    const bool slipped = TreeViewS_->itemAt(position) != pressedNode_;
-    if (slipped && SelectedNode() == pressedNode_)
-        QMetaObject::invokeMethod(this, &FolderTree::TreeViewS_Click, Qt::QueuedConnection);
-    pressedNode_ = nullptr;
+    if (button != Qt::RightButton) return false;
+    browser_.host.PopMenu("TreeViewS");
+    return true;
 }
 
 void FolderTree::SetDropHighlightToNothing() {

@@ -273,6 +273,29 @@ TEST_F(FileListTest, RowsThatGoDoNotHandTheirHighlightOn) {
     }
 }
 
+TEST_F(FileListTest, APressThatSlipsIsAClickOnItsRow) {
+    Open({"a.bmp", "b.bmp", "c.bmp", "d.bmp"});
+    list_.resize(900, 300);
+    list_.show();
+    QWidget* const viewport = list_.ListViewFile()->viewport();
+    struct Row {
+        int pressed;
+        QPoint end;
+        int shown;
+    };
+    const Row rows[] = {{0, Middle(2), 0},
+                        {1, QPoint(700, Middle(1).y()), 1},  // another column
+                        {2, QPoint(300, 900), 2},
+                        {2, Middle(3), 2}};  // highlighted before
+    for (const Row& row : rows) {
+        QTest::mousePress(viewport, Qt::LeftButton, {}, Middle(row.pressed));
+        QTest::mouseMove(viewport, row.end);
+        QTest::mouseRelease(viewport, Qt::LeftButton, {}, row.end);
+        EXPECT_EQ(list_.SelectedRow(), row.shown);
+        EXPECT_EQ(host.filePanels[3], "Current File = " + Cell(row.shown, 0));
+    }
+}
+
 TEST_F(FileListTest, AKeyThatMovesTheMarkShowsTheFile) {
     Open({"a.bmp", "b.bmp", "c.bmp"});
     list_.SelectRow(0);
