@@ -104,6 +104,21 @@ TEST_F(FolderNamingTest, ThereIsNoWayOutWithoutAName) {
     EXPECT_TRUE(host.keyPreview);
 }
 
+TEST_F(FolderNamingTest, AKeyOfTheEditorDoesNotEnterTheFolder) {
+    QApplication::setActiveWindow(&tree_);
+    GoTo(disk_ + "/a");
+    Start(disk_ + "/a");
+    QTest::keyPress(Editor(), Qt::Key_Control);
+    Editor()->setText("one");
+    Editor()->clearFocus();
+    Settle();
+    naming_.AddNewFolderNode();
+    Type("two");
+    QTest::keyRelease(tree_.TreeViewS(), Qt::Key_Return);
+    EXPECT_EQ(SelectedKey(), disk_ + "/a/one/two");
+    EXPECT_EQ(browser.FileViewFile.Path(), disk_ + "/a");
+}
+
 TEST_F(FolderNamingTest, AClickElsewhereTakesTheNameAndGoesThrough) {
     QApplication::setActiveWindow(&tree_);
     Start(disk_);
