@@ -158,6 +158,7 @@ class MainForm final : public QMainWindow,
     void Form_Resize();
     void ApplyFaces();
     void PlaceStrip();
+    void ShowLabelsThatFit();
 
     // Commands.
     void MenuClick(const std::string& array, int index);

@@ -70,6 +70,7 @@ void MainForm::PlaceStrip() {
         Apply(button, {faces_.CommandLeft(kButtonWidth) - right, 105, kButtonWidth, 345});
         right += kButtonWidth + 75;
     }
+    ShowLabelsThatFit();
 }
 
 void MainForm::ConnectBar(int index) {

@@ -141,12 +141,22 @@ void MainForm::ClearPositionLabels() {
 
 void MainForm::SetLabelXY(const std::string& text) {
     LabelXY_->setText(ShownText(text));
+    ShowLabelsThatFit();
 }
 
 void MainForm::SetLabelWH(const std::string& text) {
     LabelWH_->setText(ShownText(text));
+    ShowLabelsThatFit();
+}
+
+/// In a narrow window the buttons come first: half a number beside them would be a wrong one.
+void MainForm::ShowLabelsThatFit() {
+    const int end = CommandCon_[1]->x();
+    for (QLabel* label : {LabelXY_, LabelWH_})
+        label->setVisible(label->x() + label->sizeHint().width() <= end);
     // What parts the two labels is only wanted between two texts.
-    for (QFrame* marker : Image2and3_) marker->setVisible(!text.empty());
+    const bool parts = !LabelWH_->text().isEmpty() && !LabelWH_->isHidden();
+    for (QFrame* marker : Image2and3_) marker->setVisible(parts);
 }
 
 void MainForm::PutviewExport(int which) {

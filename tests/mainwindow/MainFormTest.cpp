@@ -47,6 +47,26 @@ TEST_F(MainFormTest, AFirstRunStartsInItsOwnFolderAndMakesItsFiles) {
     EXPECT_EQ(QApplication::overrideCursor(), nullptr);
 }
 
+TEST_F(MainFormTest, TheStripShowsWhatItsButtonsLeaveRoomFor) {
+    ASSERT_TRUE(Load());
+    form_->SetLabelXY("10,20");
+    form_->SetLabelWH("3000 x 2000");
+    struct Row {
+        int width;
+        bool position;
+        bool size;
+    };
+    for (const Row& row :
+         {Row{1000, true, true}, Row{600, true, false}, Row{700, true, false}, Row{800, true, true}}) {
+        form_->resize(row.width, 600);
+        EXPECT_EQ(Control("LabelXY").isVisible(), row.position) << row.width;
+        EXPECT_EQ(Control("LabelWH").isVisible(), row.size) << row.width;
+        EXPECT_EQ(Control("Image2").isVisible(), row.size) << row.width;
+    }
+    form_->SetLabelWH("");
+    EXPECT_FALSE(Control("Image2").isVisible());
+}
+
 TEST_F(MainFormTest, StartsInTheFolderOfTheSettingsWithTheRecentPaths) {
     MakePicture("photos/b.bmp", 3);
     StartIn(disk_ + "/photos");
