@@ -165,11 +165,12 @@ ByteVector EncodeBitmapEntry(const Picture& picture) {
     return writer.TakeBytes();
 }
 
-// FIXME: some readers take only 32-bit PNG files in icons; the PNG encoder may choose a leaner form.
+/// A PNG file in an icon has always four channels: Windows refuses all others, and some readers lose the
+/// palette.
 Result<ByteVector> EncodeEntry(const Picture& picture) {
     if (std::max(picture.Width(), picture.Height()) < kLargestSide) return EncodeBitmapEntry(picture);
     MemorySink sink;
-    TRY(EncodePng(picture, {}, sink));
+    TRY(EncodePngRgba(picture, sink));
     return sink.TakeBytes();
 }
 

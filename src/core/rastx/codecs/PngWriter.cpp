@@ -248,15 +248,24 @@ Result<void> WritePixels(ByteSink& sink, const Picture& picture, Form form, Colo
     return WriteChunk(sink, "IDAT", best);
 }
 
+Result<void> WriteFile(ByteSink& sink, const Picture& picture, Form form, ColorTable& table) {
+    TRY(WriteHead(sink, picture, form));
+    if (form.colorType == kPalette) TRY(WritePalette(sink, table.Colors()));
+    TRY(WritePixels(sink, picture, form, table));
+    return WriteChunk(sink, "IEND", {});
+}
+
 }  // namespace
 
 Result<void> EncodePng(const Picture& picture, const EncodeOptions&, ByteSink& sink) {
     ColorTable table;
     const Form form = ChooseForm(picture, table);
-    TRY(WriteHead(sink, picture, form));
-    if (form.colorType == kPalette) TRY(WritePalette(sink, table.Colors()));
-    TRY(WritePixels(sink, picture, form, table));
-    return WriteChunk(sink, "IEND", {});
+    return WriteFile(sink, picture, form, table);
+}
+
+Result<void> EncodePngRgba(const Picture& picture, ByteSink& sink) {
+    ColorTable unused;
+    return WriteFile(sink, picture, {kRgbAlpha, 8}, unused);
 }
 
 }  // namespace tessara

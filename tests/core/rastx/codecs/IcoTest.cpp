@@ -113,6 +113,23 @@ TEST(Ico, KeepsAlphaOfEverySize) {
     }
 }
 
+TEST(Ico, PngFilesInItHaveFourChannels) {
+    constexpr std::size_t kPng = 22;
+    const struct {
+        const char* name;
+        Picture picture;
+    } cases[] = {
+        {"one colour", Must(Picture::Create(256, 3, Pixel{0, 0, 255, 255}, Alpha::None))},
+        {"transparent", Must(Picture::Create(256, 3, kTransparent, Alpha::Straight))},
+        {"photograph", test::PhotoLike(256, 256)},
+    };
+    for (const auto& row : cases) {
+        const ByteVector file = Encode(EncodeIco, row.picture);
+        EXPECT_EQ(Hex("08 06"), ByteVector(file.begin() + kPng + 24, file.begin() + kPng + 26)) << row.name;
+        EXPECT_EQ(LargestDifference(Must(DecodeIco(file, {})), row.picture), 0) << row.name;
+    }
+}
+
 TEST(Ico, ShrinksWhatIsTooLarge) {
     // Pairs of columns become one; the transparent half of a pair has no colour to give.
     Picture picture = Must(Picture::Create(512, 4, Pixel{0, 0, 255, 255}, Alpha::Straight));
