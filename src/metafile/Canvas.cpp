@@ -34,7 +34,7 @@ Canvas::Canvas()
 void Canvas::SetClip(const Clip& clip) {
     clip_ = clip;
     clipBounds_ = clip.Bounds();
-    if (measuring_ || !budget_.Spend(clip.Cost())) return;
+    if (!budget_.Spend(clip.Cost()) || measuring_) return;
     clip_.ApplyTo(*painter_);
 }
 
@@ -105,7 +105,7 @@ void Canvas::Stroke(const QPainterPath& path, const QPen& pen, RasterOperation o
     if (pen.style() == Qt::CustomDashLine) {
         double period = 0;
         for (const double dash : pen.dashPattern()) period += dash * pen.widthF();
-        work *= 1 + 20 * static_cast<double>(pen.dashPattern().size()) / std::max(0.1, period);
+        work *= 1 + 50 * static_cast<double>(pen.dashPattern().size()) / std::max(0.1, period);
     }
     if (!budget_.Spend(work)) return;
     QPainterPathStroker stroker(pen);

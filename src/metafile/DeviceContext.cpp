@@ -156,6 +156,8 @@ void DeviceContext::PaintPath(bool fill, bool stroke) {
 }
 
 void DeviceContext::FlattenPath() {
+    constexpr double kPerElement = 100;
+    if (!canvas_.Budget().Spend(kPerElement * path_.elementCount())) return;
     QPainterPath flat;
     flat.setFillRule(path_.fillRule());
     for (const QPolygonF& polygon : path_.toSubpathPolygons()) flat.addPolygon(polygon);
@@ -174,7 +176,10 @@ void DeviceContext::WidenPath() {
 void DeviceContext::SelectClipPath(ClipMode mode) {
     pathOpen_ = false;
     const QPainterPath path = std::exchange(path_, {});
-    if (!canvas_.Budget().Spend(50 * LengthWithin(path, canvas_.Area()))) return;
+    // Modes that cannot keep a shape make pixels of it, a run for every second edge that a row meets.
+    const bool asPixels = mode != ClipMode::And && mode != ClipMode::Copy;
+    const double perLength = asPixels ? 250 : 50;
+    if (!canvas_.Budget().Spend(perLength * LengthWithin(path, canvas_.Area()))) return;
     state_.clip.Combine(WithFillRule(path), mode);
     canvas_.SetClip(state_.clip);
 }

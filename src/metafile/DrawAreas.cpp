@@ -8,6 +8,12 @@
 #include "metafile/DeviceContext.h"
 
 namespace tessara::metafile {
+namespace {
+
+/// In units of the work budget: to unite the boxes of a region and to draw them.
+constexpr double kPerRegionBox = 1000;
+
+}  // namespace
 
 void DeviceContext::SetPixel(QPointF point, QRgb color) {
     // The middle of the reference device's pixel tells which of the picture's is meant.
@@ -57,14 +63,21 @@ QRegion DeviceContext::RegionInPicture(const Region& region, const QTransform& t
     boxes.reserve(region.boxes.size());
     for (const QRect& box : region.boxes) boxes.push_back(SnapToPixels(toPicture.mapRect(QRectF(box))));
     if (!canvas_.Budget().Spend(200.0 * static_cast<double>(boxes.size()))) return {};
-    return RegionOf(boxes, canvas_.Area());
+    QRegion pixels = RegionOf(boxes, canvas_.Area());
+    // Boxes that cross fall into far more than they are.
+    if (!canvas_.Budget().Spend(kPerRegionBox * pixels.rectCount())) return {};
+    return pixels;
 }
 
 void DeviceContext::FillPixels(const QRegion& region, const Brush& brush, RasterOperation operation) {
+    // As a clip: a path of as many boxes takes a rasteriser hundreds of times as long.
+    Clip within = state_.clip;
+    within.Combine(region, ClipMode::And);
+    canvas_.SetClip(within);
     QPainterPath path;
-    path.addRegion(region);
-    path.setFillRule(Qt::WindingFill);
+    path.addRect(region.boundingRect());
     canvas_.Fill(path, BrushFor(brush), operation);
+    canvas_.SetClip(state_.clip);
 }
 
 void DeviceContext::FillRegion(const Region& region, const Brush& brush) {
@@ -83,6 +96,7 @@ void DeviceContext::FrameRegion(const Region& region, const Brush& brush, double
     const int x = pixels(width * toPicture.m11());
     const int y = pixels(height * toPicture.m22());
     const QRegion whole = RegionInPicture(region, toPicture);
+    if (!canvas_.Budget().Spend(4 * kPerRegionBox * whole.rectCount())) return;
     const QRegion inner = whole & whole.translated(x, 0) & whole.translated(-x, 0) & whole.translated(0, y) &
                           whole.translated(0, -y);
     FillPixels(whole - inner, brush, DrawingOperation());

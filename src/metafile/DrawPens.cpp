@@ -141,6 +141,8 @@ QBrush DeviceContext::BrushFor(const Brush& brush) const {
             break;
         case Brush::Kind::Pattern:
             if (brush.tile.isNull()) return Qt::NoBrush;
+            if (brush.monochrome && !canvas_.Budget().Spend(5.0 * brush.tile.width() * brush.tile.height()))
+                return Qt::NoBrush;
             result = QBrush(brush.monochrome ? Recolored(brush.tile, state_.textColor, state_.backgroundColor)
                                              : brush.tile);
             break;

@@ -12,9 +12,11 @@ namespace tessara::metafile {
 namespace {
 
 // In units of the work budget. A character that no usual font has is sought in all others.
-constexpr double kPerGlyph = 1000;
+constexpr double kPerGlyph = 3000;
 constexpr double kPerNewGlyph = 1e6;
 constexpr double kPerShapedUnit = 1e5;
+/// Of one text's outline; far beyond any line, and memory is a multiple of it.
+constexpr int kMostElements = 1'000'000;
 
 /// Whether the shapes or the order of characters depend on one another, as in Arabic, Hebrew and the scripts
 /// of India.
@@ -101,6 +103,7 @@ DeviceContext::TextOutline DeviceContext::OutlineOf(const TextCall& call, const 
         while (next < call.text.size() && Continues(call.text[next])) ++next;
         const QString character = call.text.mid(i, next - i);
         if (!canvas_.Budget().Spend(face.Knows(character) ? kPerGlyph : kPerNewGlyph)) break;
+        if (outline.path.elementCount() > kMostElements) break;
         const Typeface::Glyphs& glyphs = face.Character(character);
         const QTransform place(frame.emAcross.x(), frame.emAcross.y(), frame.emDown.x(), frame.emDown.y(),
                                outline.end.x(), outline.end.y());

@@ -49,6 +49,9 @@ QString ReadWideText(Bytes bytes) {
 }  // namespace
 
 void EmfPlayer::DrawDecodedText(Bytes text, bool wide, Bytes advances, unsigned options, TextCall& call) {
+    // Many strings of a record can be the same bytes.
+    constexpr double kPerByte = 50;
+    if (!canvas_.Budget().Spend(kPerByte * static_cast<double>(text.size()))) return;
     std::vector<int> bytesOfUnit;
     if (wide) {
         call.text = ReadWideText(text);

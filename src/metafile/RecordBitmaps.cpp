@@ -1,5 +1,7 @@
 #include "metafile/RecordBitmaps.h"
 
+#include <algorithm>
+
 #include "core/ByteReader.h"
 #include "core/ByteSink.h"
 #include "core/rastx/codecs/Dib.h"
@@ -8,6 +10,8 @@ namespace tessara::metafile {
 namespace {
 
 constexpr std::uint32_t kCoreHeader = 12;
+/// What an embedded picture file may decode to beyond the size that its header claims.
+constexpr std::uint64_t kMostUnclaimedBytes = 64 << 20;
 
 /// A bitmap without a colour table has one bit per pixel, 0 black and 1 white; this gives it the table that
 /// says so.
@@ -44,8 +48,13 @@ QImage DecodeBitmap(const RecordBitmap& bitmap, const Palette& palette, const De
                     WorkBudget& budget) {
     const std::optional<DibShape> shape = DibShapeOf(bitmap.header);
     if (!shape || options.nestingLeft < 1) return {};
-    if (!budget.Spend(2.0 * static_cast<double>(shape->width) * static_cast<double>(shape->height)))
+    if (!budget.Spend(5.0 * static_cast<double>(shape->width) * static_cast<double>(shape->height)))
         return {};
+    // A picture file in the place of the pixels has a size of its own, which nothing has counted yet.
+    DecodeOptions nested = options.Nested();
+    const auto claimed =
+        static_cast<std::uint64_t>(shape->width) * static_cast<std::uint64_t>(shape->height) * sizeof(Pixel);
+    nested.limits.decodedBytes = std::min(nested.limits.decodedBytes, std::max(claimed, kMostUnclaimedBytes));
     DibOptions dibOptions;
     dibOptions.premultipliedAlpha = bitmap.premultipliedAlpha;
     if (bitmap.usage == ColorUsage::PaletteIndexes) dibOptions.palette = *palette.colors;
@@ -53,8 +62,10 @@ QImage DecodeBitmap(const RecordBitmap& bitmap, const Palette& palette, const De
     Bytes header = bitmap.header;
     if (bitmap.usage == ColorUsage::None && bitmap.bits && shape->bitsPerPixel == 1)
         header = replaced = WithBlackAndWhite(header);
-    Result<Picture> picture = DecodeDib(header, bitmap.bits, dibOptions, options.Nested());
-    return picture ? ImageOf(std::move(picture).Value()) : QImage();
+    Result<Picture> picture = DecodeDib(header, bitmap.bits, dibOptions, nested);
+    if (!picture) return {};
+    QImage image = ImageOf(std::move(picture).Value());
+    return budget.Spend(5.0 * image.width() * image.height()) ? image : QImage();
 }
 
 DeviceBitmap DecodeDeviceBitmap(Bytes bitmap, std::size_t bitsOffset, WorkBudget& budget) {

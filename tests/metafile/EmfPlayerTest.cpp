@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/rastx/codecs/Emf.h"
+#include "core/rastx/codecs/Png.h"
 #include "tests/metafile/RecordBuilder.h"
 
 namespace tessara {
@@ -454,6 +455,52 @@ TEST(EmfPlayer, DrawsWhatABrokenFileStillHolds) {
               "RW")
         << "counts beyond their records";
     EXPECT_FALSE(DecodeEmf(EmfBuilder(2, 1).File(false), {})) << "nothing drawn before the break";
+}
+
+// A file of some kilobytes that orders hours of work is left off: what it draws at its end is missing.
+TEST(EmfPlayer, LeavesOffEndlessWork) {
+    const auto showsItsEnd = [](EmfBuilder emf) {
+        const auto picture = DecodeEmf(emf.Brush(0, Red).Rectangle(-1, -1, 1200, 1200).File(), {});
+        return picture && picture.Value().At(0, 0) == Pixel{0, 0, 255, 255};
+    };
+    ASSERT_TRUE(showsItsEnd(EmfBuilder(2, 2)));
+
+    EmfBuilder flattened(2, 2);
+    ByteWriter points;
+    for (int i = 0; i < 5000; ++i) points.U32Le(static_cast<std::uint32_t>(i % 3));
+    flattened.Record(59, {}).Bounded(87, {5000}, points.Written()).Record(60, {});
+    for (int i = 0; i < 5000; ++i) flattened.Record(65, {});
+    EXPECT_FALSE(showsItsEnd(flattened.Record(68, {}))) << "a long path is flattened again and again";
+
+    // Slits across slits: few boxes whose union falls into very many.
+    constexpr int kSlits = 600;
+    ByteWriter slits;
+    for (int i = 0; i < kSlits; ++i) {
+        slits.I32Le(2 * i).I32Le(0).I32Le(2 * i + 1).I32Le(2 * kSlits);
+        slits.I32Le(0).I32Le(2 * i).I32Le(2 * kSlits).I32Le(2 * i + 1);
+    }
+    EmfBuilder crossed(2 * kSlits, 2 * kSlits);
+    crossed.Record(39, {9, 0, static_cast<int>(Blue), 0});
+    for (int i = 0; i < 8; ++i)
+        crossed.Bounded(71, {1 << 20, 9, 32, 1, 2 * kSlits, 0, 0, 0, 0, 0}, slits.Written());
+    EXPECT_FALSE(showsItsEnd(crossed)) << "boxes that cross are painted again and again";
+
+    EmfBuilder measured = EmfBuilder(0, 0).NoFrame();
+    for (int i = 0; i < 16000; ++i) {
+        const int x = i % 128 * 2, y = i / 128 * 2;
+        measured.Record(29, {x, y, x + 1, y + 1});
+    }
+    EXPECT_FALSE(DecodeEmf(measured.Fill(Red).Rectangle(0, 0, 9, 9).File(), {}))
+        << "a clip with ever more holes, while the extent is measured";
+
+    const Picture large = Must(Picture::Create(4100, 4100, {0, 0, 255, 255}, Alpha::None, {}));
+    MemorySink png;
+    ASSERT_TRUE(EncodePng(large, {}, png));
+    ByteWriter claim;
+    claim.U32Le(40).I32Le(1).I32Le(1).U16Le(1).U16Le(0).U32Le(5).Zeros(20).Append(png.TakeBytes());
+    const EmfBuilder carried = EmfBuilder(2, 2).Bounded(
+        81, {0, 0, 0, 0, 1, 1, 80, 40, 120, 1 << 20, 0, kSourceCopy, 2, 2}, claim.Written());
+    EXPECT_EQ(Played(carried), "WW WW") << "a picture file far larger than its header claims";
 }
 
 TEST(EmfPlayer, SurvivesCoordinatesWithoutMeasure) {
