@@ -33,6 +33,17 @@ QRegion UnionOf(std::span<const QRect> boxes, const QRect& area) {
 
 }  // namespace
 
+void Clip::Reset() {
+    region_ = area_;
+    paths_.clear();
+}
+
+void Clip::MakeLimit() {
+    limit_ &= Flattened();
+    if (limit_.rectCount() > kMostBoxes) limit_ = limit_.boundingRect();
+    Reset();
+}
+
 void Clip::Combine(const QRegion& region, ClipMode mode) {
     switch (mode) {
         case ClipMode::And:
@@ -68,6 +79,7 @@ void Clip::Combine(const QPainterPath& path, ClipMode mode) {
 }
 
 void Clip::Translate(QPointF by) {
+    if (paths_.isEmpty() && region_ == QRegion(area_)) return;  // there is nothing to move
     const auto whole = [](double value) {
         return static_cast<int>(std::lround(std::clamp(value, -1e6, 1e6)));
     };
@@ -77,7 +89,7 @@ void Clip::Translate(QPointF by) {
 }
 
 double Clip::Cost() const {
-    double cost = 100.0 + 20.0 * region_.rectCount();
+    double cost = 100.0 + 20.0 * (region_.rectCount() + limit_.rectCount());
     const QRect bounds = Bounds();
     for (const QPainterPath& path : paths_)
         cost += 20 * LengthWithin(path, bounds) + bounds.height() * 50.0 + 10.0 * region_.rectCount();
@@ -85,7 +97,7 @@ double Clip::Cost() const {
 }
 
 void Clip::ApplyTo(QPainter& painter) const {
-    painter.setClipRegion(region_);
+    painter.setClipRegion(region_ & limit_);
     for (const QPainterPath& path : paths_) painter.setClipPath(path, Qt::IntersectClip);
 }
 

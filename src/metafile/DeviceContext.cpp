@@ -207,6 +207,12 @@ void DeviceContext::OffsetClip(QPointF by) {
     canvas_.SetClip(state_.clip);
 }
 
+void DeviceContext::MakeClipLimit() {
+    if (!canvas_.Budget().Spend(state_.clip.Cost())) return;
+    state_.clip.MakeLimit();
+    canvas_.SetClip(state_.clip);
+}
+
 void DeviceContext::ResetClip() {
     state_.clip.Reset();
     canvas_.SetClip(state_.clip);

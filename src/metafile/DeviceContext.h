@@ -175,6 +175,7 @@ class DeviceContext {
     void ClipToRegion(const Region& region, ClipMode mode, const QTransform& toPicture);
     void OffsetClip(QPointF by);
     void ResetClip();
+    void MakeClipLimit();
 
   private:
     enum class Edges { Straight, Round };
@@ -207,6 +208,8 @@ class DeviceContext {
     void DrawInBox(const QRectF& box, Edges edges, bool fill, const Make& make);
     QRectF InsetForPen(const QRectF& box, Edges edges) const;
 
+    /// Pixels of the picture for a logical unit.
+    double PenScale() const;
     double PenWidth() const;
     QPen PenForStroke() const;
     QBrush BrushFor(const Brush& brush) const;

@@ -19,7 +19,9 @@ bool IsDashed(unsigned style) {
 }
 
 /// Dashes and gaps, in pixels of thin lines and in widths of thick ones.
-QList<qreal> DashesOf(const Pen& pen, double width, bool thick) {
+QList<qreal> DashesOf(const Pen& pen, double width, double pixelsPerUnit) {
+    // Those of a pen whose width is in logical units grow and shrink with it, however thin it gets.
+    const bool thick = pen.extended && pen.width > 0;
     const double dash = thick ? 3 : 18;
     const double dot = thick ? 1 : 3;
     const double gap = thick ? 1 : 6;
@@ -38,8 +40,8 @@ QList<qreal> DashesOf(const Pen& pen, double width, bool thick) {
             break;
     }
     QList<qreal> dashes;
-    const double unit = thick && pen.width > 0 ? pen.width : width;
-    for (const double length : pen.dashes) dashes << std::clamp(length / unit, 0.01, 1e6);
+    const double scale = (thick ? pixelsPerUnit : 1) / width;
+    for (const double length : pen.dashes) dashes << std::clamp(length * scale, 0.01, 1e6);
     if (dashes.size() % 2 == 1) dashes += dashes;
     return dashes;
 }
@@ -152,11 +154,14 @@ QBrush DeviceContext::BrushFor(const Brush& brush) const {
     return result;
 }
 
-double DeviceContext::PenWidth() const {
+double DeviceContext::PenScale() const {
     const QTransform toPicture = ToPicture();
-    const double scale = std::hypot(toPicture.m11(), toPicture.m12());
+    return std::hypot(toPicture.m11(), toPicture.m12());
+}
+
+double DeviceContext::PenWidth() const {
     const double longest = 2.0 * std::max(canvas_.Area().width(), canvas_.Area().height());
-    return std::clamp(state_.pen.width * scale, 1.0, longest);
+    return std::clamp(state_.pen.width * PenScale(), 1.0, longest);
 }
 
 QPen DeviceContext::PenForStroke() const {
@@ -171,7 +176,7 @@ QPen DeviceContext::PenForStroke() const {
     result.setJoinStyle(thin ? Qt::MiterJoin : kJoins[static_cast<int>(pen.join)]);
     result.setMiterLimit(thin ? 1 : std::clamp(state_.miterLimit, 1.0, 100.0));
     if (dashed) {
-        if (const QList<qreal> dashes = DashesOf(pen, width, !thin); !dashes.isEmpty())
+        if (const QList<qreal> dashes = DashesOf(pen, width, PenScale()); !dashes.isEmpty())
             result.setDashPattern(dashes);
     }
     return result;

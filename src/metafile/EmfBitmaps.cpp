@@ -103,7 +103,7 @@ EmfPlayer::Transfer EmfPlayer::ReadTransfer(Record& record) {
     transfer.target = QRectF(corner, QSizeF(size.x(), size.y()));
     transfer.code = reader.U32Le();
     transfer.sourceCorner = ReadPoint(reader);
-    transfer.sourceTransform = ReadTransform(reader);
+    transfer.sourceTransform = ReadTransform(reader).value_or(QTransform());
     transfer.background = ReadColor(record);
     transfer.bitmap = ReadBitmapPlace(record);
     transfer.hasBitmap = !transfer.bitmap.header.empty();
@@ -156,7 +156,7 @@ void EmfPlayer::ParallelogramBlt(Record& record) {
     const QPointF third = ReadPoint(reader);
     const QPointF corner = ReadPoint(reader);
     const QPointF size = ReadPoint(reader);
-    const QTransform sourceTransform = ReadTransform(reader);
+    const QTransform sourceTransform = ReadTransform(reader).value_or(QTransform());
     reader.Skip(4);
     const RecordBitmap bitmap = ReadBitmapPlace(record);
     const QPointF maskCorner = ReadPoint(reader);

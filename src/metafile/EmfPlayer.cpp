@@ -32,6 +32,7 @@ const EmfPlayer::Row EmfPlayer::kRowTable[] = {
     {25, &EmfPlayer::SetBackgroundColor},
     {26, &EmfPlayer::OffsetClip},
     {27, &EmfPlayer::MoveTo},
+    {28, &EmfPlayer::SetMetaRegion},
     {29, &EmfPlayer::ExcludeClipRect},
     {30, &EmfPlayer::IntersectClipRect},
     {31, &EmfPlayer::ScaleViewportExtent},
@@ -136,11 +137,11 @@ QRectF ReadBox(ByteReader& reader) {
     return {corner, ReadPoint(reader)};
 }
 
-QTransform ReadTransform(ByteReader& reader) {
+std::optional<QTransform> ReadTransform(ByteReader& reader) {
     double values[6];
     for (double& value : values) value = reader.F32Le();
     const QTransform transform(values[0], values[1], values[2], values[3], values[4], values[5]);
-    return IsUsable(transform) ? transform : QTransform();
+    return IsUsable(transform) ? std::optional(transform) : std::nullopt;
 }
 
 Region ReadRegion(Bytes data) {

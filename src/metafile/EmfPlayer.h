@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <span>
 
 #include "core/ByteReader.h"
@@ -63,6 +64,7 @@ class EmfPlayer {
     void ExcludeClipRect(Record&);
     void IntersectClipRect(Record&);
     void OffsetClip(Record&);
+    void SetMetaRegion(Record&);
     void SelectClipRegion(Record&);
     void BeginPath(Record&);
     void EndPath(Record&);
@@ -174,8 +176,8 @@ class EmfPlayer {
 /// A point of two 32-bit numbers, and a box of two points.
 QPointF ReadPoint(ByteReader& reader);
 QRectF ReadBox(ByteReader& reader);
-/// Six floating point numbers; the identity where they are none.
-QTransform ReadTransform(ByteReader& reader);
+/// Six floating point numbers; nothing where they are no transform to draw with.
+std::optional<QTransform> ReadTransform(ByteReader& reader);
 Region ReadRegion(Bytes data);
 
 }  // namespace tessara::metafile

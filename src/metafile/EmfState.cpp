@@ -47,26 +47,28 @@ void EmfPlayer::SetMapMode(Record& record) {
 }
 
 void EmfPlayer::SetWorldTransform(Record& record) {
-    State().mapping.world = ReadTransform(record.reader);
+    if (const auto given = ReadTransform(record.reader)) State().mapping.world = *given;
 }
 
 void EmfPlayer::ModifyWorldTransform(Record& record) {
     enum Mode : std::uint32_t { kIdentity = 1, kLeftMultiply = 2, kRightMultiply = 3, kSet = 4 };
-    const QTransform given = ReadTransform(record.reader);
+    const auto given = ReadTransform(record.reader);
+    const std::uint32_t mode = record.reader.U32Le();
+    if (!given && mode != kIdentity) return;
     const QTransform& world = State().mapping.world;
     QTransform changed = world;
-    switch (record.reader.U32Le()) {
+    switch (mode) {
         case kIdentity:
             changed = {};
             break;
         case kLeftMultiply:
-            changed = given * world;
+            changed = *given * world;
             break;
         case kRightMultiply:
-            changed = world * given;
+            changed = world * *given;
             break;
         case kSet:
-            changed = given;
+            changed = *given;
             break;
         default:
             break;
@@ -130,6 +132,10 @@ void EmfPlayer::IntersectClipRect(Record& record) {
 }
 void EmfPlayer::OffsetClip(Record& record) {
     context_.OffsetClip(ReadPoint(record.reader));
+}
+
+void EmfPlayer::SetMetaRegion(Record&) {
+    context_.MakeClipLimit();
 }
 
 void EmfPlayer::SelectClipRegion(Record& record) {

@@ -68,6 +68,16 @@ TEST(EmfPlayer, DrawsShapesOnWholePixels) {
              .Record(27, {1, 2})
              .Record(54, {3, 2}),
          "WWWW WRRW WRRW WWWW"},
+        {"dashes in units that are a tenth of a pixel",
+         EmfBuilder(8, 1)
+             .Record(17, {8})
+             .Record(9, {80, 10})
+             .Record(11, {8, 1})
+             .Record(95, {1, 0, 0, 0, 0, 0x10207, 10, 0, static_cast<int>(Red), 0, 2, 30, 10})
+             .Record(37, {1})
+             .Record(27, {0, 5})
+             .Record(54, {80, 5}),
+         "RRRWRRRW"},
         {"a stock brush without a pen",
          EmfBuilder(1, 1).Record(37, {kStockNoPen}).Record(37, {kStockGrey}).Rectangle(0, 0, 1, 1), "?"},
         {"a slot is filled anew",
@@ -141,6 +151,7 @@ TEST(EmfPlayer, TransformsAndMaps) {
     };
     Transform(shifted, 1, 0, 0, 1, 1, 1).Fill(Red).Rectangle(0, 0, 1, 1);
     Transform(turned, 0, 1, -1, 0, 3, 0).Fill(Red).Rectangle(0, 0, 2, 1);
+    Transform(broken, 1, 0, 0, 1, 1, 0);
     Transform(broken, NAN, 0, 0, INFINITY, 0, 0).Fill(Red).Rectangle(0, 0, 1, 1);
     ExpectPictures({
         {"a world that shifts", shifted, "WWW WRW"},
@@ -156,7 +167,7 @@ TEST(EmfPlayer, TransformsAndMaps) {
         {"a window that grows", scaled(32, {2, 1, 1, 1}), "RRWW WWWW"},
         {"a viewport that shrinks and grows", scaled(31, {1, 2, 2, 1}), "RRWW RRWW"},
         {"a viewport never vanishes", scaled(31, {0, 1, 1, 0}), "RRRR WWWW"},
-        {"a transform of no numbers is passed over", broken, "RW"},
+        {"a transform of no numbers is passed over", broken, "WR"},
         {"a window and a viewport",
          EmfBuilder(4, 1)
              .Record(17, {8})
@@ -238,6 +249,16 @@ TEST(EmfPlayer, ClipsToRegions) {
         {"a box that moves",
          EmfBuilder(4, 1).Record(30, {0, 0, 1, 1}).Record(26, {2, 0}).Fill(Red).Rectangle(0, 0, 4, 1),
          "WWRW"},
+        {"nothing that could move", EmfBuilder(2, 1).Record(26, {1, 0}).Fill(Red).Rectangle(0, 0, 2, 1),
+         "RR"},
+        {"a limit that outlasts the clip it came from",
+         EmfBuilder(4, 1)
+             .Record(30, {0, 0, 2, 1})
+             .Record(28, {})
+             .Record(75, {48, 5, 32, 1, 1, 16, 0, 0, 0, 0, 1, 0, 4, 1})
+             .Fill(Red)
+             .Rectangle(0, 0, 4, 1),
+         "WRWW"},
         {"around a turned box", turned, "RRRR RWWR WWWW RWWR"},
         {"none", EmfBuilder(2, 1).Record(30, {0, 0, 1, 1}).Record(75, {0, 5}).Fill(Red).Rectangle(0, 0, 2, 1),
          "RR"},
