@@ -152,7 +152,7 @@ def main():
     parser.add_argument("--times", type=int, default=1)
     parser.add_argument("--side", type=int, default=700, help="of the source, in pixels")
     parser.add_argument("faults", nargs="*", default=list(FAULTS))
-    arguments = parser.parse_args()
+    arguments = parser.parse_intermixed_args()
     if b"__asan_init" in pathlib.Path(arguments.program).read_bytes():
         print("the sanitizers want all of the memory, and /proc")
         sys.exit(77)
