@@ -71,10 +71,10 @@ void PanelBar::ShowText(std::size_t index) {
     std::size_t last = index;
     while (last + 1 < panels_.size() && panels_[last + 1].text.isEmpty()) ++last;
     const QFontMetrics metrics = panel.label->fontMetrics();
-    const int room = panels_[last].end - panel.left - 2 * kMargin;
+    const int room = std::max(0, panels_[last].end - panel.left - 2 * kMargin);
     const QString line = OnOneLine(panel.text);
     const QString shown = metrics.elidedText(line, Qt::ElideMiddle, room);
-    panel.label->setGeometry(panel.left + kMargin, 0, qBound(0, metrics.horizontalAdvance(shown) + 1, room),
+    panel.label->setGeometry(panel.left + kMargin, 0, std::min(metrics.horizontalAdvance(shown) + 1, room),
                              height());
     panel.label->setText(shown);
     panel.label->setAccessibleName(panel.text);
